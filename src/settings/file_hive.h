@@ -41,6 +41,7 @@ class FileHive : public RegistryBackend {
  private:
   void Load();
   bool Save();
+  bool Commit();
 
   FileSystem& files_;
   std::string path_;
@@ -49,6 +50,7 @@ class FileHive : public RegistryBackend {
   bool mustKeepAside_ = false;
   std::string loadProblem_;
   std::string keptAside_;
+  std::string savedText_;  // the file as last read or written
 };
 
 // The text form, for the hive and for tests. Parse returns false with a message
