@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 
+#include "previews/dib.h"
+
 namespace tavlet {
 namespace {
 
@@ -67,19 +69,15 @@ std::optional<DwgDibLayout> CheckDwgDib(const std::uint8_t* data, std::size_t si
   return layout;
 }
 
+// Once the layout is checked the shared palette helpers are safe to use.
 std::uint32_t DwgDibColor(const std::uint8_t* data, const DwgDibLayout& layout, int index) {
   if (data == nullptr || index < 0 || static_cast<std::uint32_t>(index) >= layout.colorCount) return 0;
-  const std::uint8_t* entry = data + layout.headerSize + std::size_t(index) * layout.paletteEntrySize;
-  return entry[2] | (entry[1] << 8) | (static_cast<std::uint32_t>(entry[0]) << 16);
+  return GetDibColor(data, static_cast<std::uint32_t>(index));
 }
 
 bool SetDwgDibColor(std::uint8_t* data, const DwgDibLayout& layout, int index, std::uint32_t color) {
   if (data == nullptr || index < 0 || static_cast<std::uint32_t>(index) >= layout.colorCount) return false;
-  std::uint8_t* entry = data + layout.headerSize + std::size_t(index) * layout.paletteEntrySize;
-  entry[0] = static_cast<std::uint8_t>(color >> 16);
-  entry[1] = static_cast<std::uint8_t>(color >> 8);
-  entry[2] = static_cast<std::uint8_t>(color);
-  return true;
+  return SetDibColor(data, static_cast<std::uint32_t>(index), color);
 }
 
 }  // namespace tavlet

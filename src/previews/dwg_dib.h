@@ -1,8 +1,8 @@
 // Checked access to the packed bitmap of a drawing's thumbnail. The data comes from
 // a file anyone may have written, so a bitmap is accepted only when its header,
 // colour table and rows all lie inside the bytes read; after that the palette and
-// the rows can be used without further checks. (The shared packed-bitmap helpers
-// trust their input, which is why this reader keeps its own checked view.)
+// the rows can be used without further checks through the shared packed-bitmap
+// helpers (previews/dib.h), which trust their input.
 #pragma once
 
 #include <cstddef>
