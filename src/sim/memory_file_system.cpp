@@ -281,6 +281,7 @@ FileError MemoryFileSystem::ListFolder(const std::string& path, std::vector<std:
     std::size_t separator = LastSeparator(node.spelling);
     names.push_back(separator == std::string::npos ? node.spelling : node.spelling.substr(separator + 1));
   }
+  std::sort(names.begin(), names.end());
   return FileError::None;
 }
 
