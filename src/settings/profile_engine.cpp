@@ -1,0 +1,508 @@
+#include "settings/profile_engine.h"
+
+#include <cstring>
+
+#include "text/codepage.h"
+
+namespace tavlet::profile {
+namespace {
+
+// The platform's blank: C white space and the old end-of-file mark, Ctrl-Z.
+bool IsBlank(unsigned char c) {
+  return c == ' ' || (c >= '\t' && c <= '\r') || c == 0x1A;
+}
+
+std::string_view TrimLeft(std::string_view s) {
+  while (!s.empty() && IsBlank(static_cast<unsigned char>(s.front()))) s.remove_prefix(1);
+  return s;
+}
+
+std::string_view TrimRight(std::string_view s) {
+  while (!s.empty() && IsBlank(static_cast<unsigned char>(s.back()))) s.remove_suffix(1);
+  return s;
+}
+
+std::string_view Trim(std::string_view s) { return TrimRight(TrimLeft(s)); }
+
+// Names and values are C strings on the platform: a NUL ends them.
+std::string_view CutAtNul(std::string_view s) { return s.substr(0, s.find('\0')); }
+
+bool SameName(std::string_view a, std::string_view b) { return text::Mbsicmp(a, b) == 0; }
+
+// The platform's wide characters: one code per code-page 936 character, 0 for NUL.
+using Wide = std::vector<std::uint32_t>;
+
+void AppendWide(Wide& out, std::string_view s) {
+  for (std::size_t i = 0; i < s.size();) {
+    const auto c = static_cast<unsigned char>(s[i]);
+    if (text::IsLeadByte(c) && i + 1 < s.size()) {
+      out.push_back((std::uint32_t{c} << 8) | static_cast<unsigned char>(s[i + 1]));
+      i += 2;
+    } else {
+      out.push_back(c);
+      ++i;
+    }
+  }
+}
+
+Wide ToWide(std::string_view s) {
+  Wide w;
+  AppendWide(w, s);
+  return w;
+}
+
+std::size_t ByteLength(std::uint32_t code) { return code > 0xFF ? 2 : 1; }
+
+// Writes whole characters of `w` into `out` while they fit in `limit` bytes; returns
+// the bytes written and whether everything fitted. The platform's conversion stops
+// the same way and leaves the rest of the buffer as it was.
+std::pair<std::uint32_t, bool> Narrow(const std::uint32_t* w, std::size_t count, char* out,
+                                      std::uint32_t limit) {
+  std::uint32_t written = 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::size_t len = ByteLength(w[i]);
+    if (written + len > limit) return {written, false};
+    if (len == 2) out[written++] = static_cast<char>(w[i] >> 8);
+    out[written++] = static_cast<char>(w[i] & 0xFF);
+  }
+  return {written, true};
+}
+
+// lstrcpynW: at most `size` - 1 characters and a NUL; returns the characters copied.
+std::uint32_t CopyN(std::uint32_t* dest, const Wide& src, std::uint32_t size) {
+  if (size == 0) return 0;
+  std::uint32_t n = 0;
+  while (n + 1 < size && n < src.size()) {
+    dest[n] = src[n];
+    ++n;
+  }
+  dest[n] = 0;
+  return n;
+}
+
+// The value copy of the string reads: a value in matching quotes loses them, but the
+// closing one only when the whole value fitted (the platform's own test, kept).
+std::uint32_t CopyEntry(std::uint32_t* dest, Wide value, std::uint32_t size) {
+  bool quoted = false;
+  if (!value.empty() && (value[0] == '\'' || value[0] == '"') && value.size() > 1 &&
+      value.back() == value[0]) {
+    quoted = true;
+    value.erase(value.begin());
+  }
+  std::uint32_t n = CopyN(dest, value, size);
+  if (quoted && size >= value.size() && n > 0) dest[--n] = 0;
+  return n;
+}
+
+const Entry* FindEntry(const Document& document, std::string_view section, std::string_view key) {
+  const Section* found = FindSection(document, section);
+  if (!found) return nullptr;
+  const std::string_view wanted = Trim(key);
+  for (const Entry& entry : found->entries)
+    if (SameName(entry.name, wanted)) return &entry;
+  return nullptr;
+}
+
+// The default loses trailing spaces, yet keeps its first character whatever it is.
+std::string_view TrimDefault(std::string_view def) {
+  while (def.size() > 1 && def.back() == ' ') def.remove_suffix(1);
+  return def;
+}
+
+// GetPrivateProfileSectionW and the key list of GetPrivateProfileStringW.
+std::uint32_t SectionWide(const Document& document, std::string_view name, bool withValues,
+                          std::uint32_t* buffer, std::uint32_t size) {
+  const Section* section = nullptr;
+  for (const Section& s : document.sections) {
+    if (!s.name.empty() && SameName(s.name, name)) {
+      section = &s;
+      break;
+    }
+  }
+  if (!section) {
+    buffer[0] = 0;
+    if (size > 1) buffer[1] = 0;
+    return 0;
+  }
+  std::uint32_t len = size;
+  std::uint32_t pos = 0;
+  for (const Entry& entry : section->entries) {
+    if (len <= 2) break;
+    if (entry.name.empty() && !entry.value) continue;
+    if (!entry.name.empty() && entry.name[0] == ';') continue;
+    if (!withValues && !entry.value) continue;
+    std::uint32_t n = CopyN(buffer + pos, ToWide(entry.name), len - 1);
+    len -= n + 1;
+    pos += n + 1;
+    if (len < 2) break;
+    if (withValues && entry.value) {
+      buffer[pos - 1] = '=';
+      n = CopyN(buffer + pos, ToWide(*entry.value), len - 1);
+      len -= n + 1;
+      pos += n + 1;
+    }
+  }
+  buffer[pos] = 0;
+  if (len <= 1) {
+    buffer[pos - 1] = 0;
+    return size - 2;
+  }
+  return size - len;
+}
+
+std::uint32_t NamesWide(const Document& document, std::uint32_t* buffer, std::uint32_t size) {
+  if (size == 0) return 0;
+  if (size == 1) {
+    buffer[0] = 0;
+    return 0;
+  }
+  std::uint32_t left = size - 1;
+  std::uint32_t pos = 0;
+  for (const Section& section : document.sections) {
+    if (section.name.empty()) continue;
+    const Wide name = ToWide(section.name);
+    const auto needed = static_cast<std::uint32_t>(name.size() + 1);
+    if (needed >= left) {
+      if (left > 0) {
+        for (std::uint32_t i = 0; i + 1 < left; ++i) buffer[pos++] = name[i];
+        buffer[pos++] = 0;
+      }
+      buffer[pos] = 0;
+      return size - 2;
+    }
+    for (std::uint32_t c : name) buffer[pos++] = c;
+    buffer[pos++] = 0;
+    left -= needed;
+  }
+  buffer[pos] = 0;
+  return pos;
+}
+
+// The A-side conversion of a single string (GetPrivateProfileStringA).
+std::uint32_t NarrowString(const Wide& w, std::uint32_t count, char* buffer, std::uint32_t size) {
+  if (size == 0) return 0;
+  std::uint32_t ret = 0;
+  if (count > 0) {
+    auto [written, whole] = Narrow(w.data(), count, buffer, size - 1);
+    ret = whole ? written : size - 1;
+  }
+  buffer[ret] = 0;
+  return ret;
+}
+
+// RtlUnicodeStringToInteger with base 0, as GetPrivateProfileIntW parses.
+unsigned ParseProfileInt(const Wide& w) {
+  std::size_t i = 0;
+  while (i < w.size() && w[i] <= ' ') ++i;
+  bool minus = false;
+  if (i < w.size() && (w[i] == '+' || w[i] == '-')) minus = w[i++] == '-';
+  unsigned base = 10;
+  if (i + 1 < w.size() && w[i] == '0') {
+    if (w[i + 1] == 'b') {
+      base = 2;
+      i += 2;
+    } else if (w[i + 1] == 'o') {
+      base = 8;
+      i += 2;
+    } else if (w[i + 1] == 'x') {
+      base = 16;
+      i += 2;
+    }
+  }
+  unsigned total = 0;
+  for (; i < w.size(); ++i) {
+    unsigned digit;
+    const std::uint32_t c = w[i];
+    if (c >= '0' && c <= '9') digit = c - '0';
+    else if (c >= 'A' && c <= 'Z') digit = c - 'A' + 10;
+    else if (c >= 'a' && c <= 'z') digit = c - 'a' + 10;
+    else break;
+    if (digit >= base) break;
+    total = total * base + digit;
+  }
+  return minus ? 0u - total : total;
+}
+
+int HexValue(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+  return -1;
+}
+
+// Finds the section a write goes to, creating it at the end when missing.
+Section& SectionForWrite(Document& document, std::string_view name) {
+  const std::string_view wanted = Trim(name);
+  for (Section& s : document.sections)
+    if (SameName(s.name, wanted)) return s;
+  document.sections.push_back(Section{std::string(TrimLeft(name)), {}});
+  return document.sections.back();
+}
+
+bool SetValue(Document& document, std::string_view section, std::string_view key,
+              std::string_view value, bool alwaysAdd) {
+  Section& target = SectionForWrite(document, section);
+  value = CutAtNul(TrimLeft(value));
+  Entry* entry = nullptr;
+  if (!alwaysAdd) {
+    const std::string_view wanted = Trim(key);
+    for (Entry& e : target.entries)
+      if (SameName(e.name, wanted)) {
+        entry = &e;
+        break;
+      }
+  }
+  if (!entry) {
+    target.entries.push_back(Entry{std::string(CutAtNul(TrimLeft(key))), std::nullopt});
+    entry = &target.entries.back();
+  } else if (entry->value && *entry->value == value) {
+    return false;
+  }
+  entry->value = std::string(value);
+  return true;
+}
+
+}  // namespace
+
+Document Parse(std::string_view bytes) {
+  Document document;
+  document.sections.emplace_back();
+  std::size_t next = 0;
+  while (next < bytes.size()) {
+    const std::size_t start = next;
+    std::size_t end = bytes.find('\n', start);
+    if (end == std::string_view::npos) end = bytes.find('\r', start);
+    next = end == std::string_view::npos ? bytes.size() : end + 1;
+    const std::string_view line = Trim(bytes.substr(start, next - start));
+    if (line.empty()) continue;
+    if (line[0] == '[') {
+      const std::size_t close = line.rfind(']');
+      if (close != std::string_view::npos && close > 0) {
+        document.sections.push_back(
+            Section{std::string(CutAtNul(Trim(line.substr(1, close - 1)))), {}});
+        continue;
+      }
+    }
+    Entry entry;
+    const std::size_t equals = line.find('=');
+    if (equals == std::string_view::npos) {
+      entry.name = std::string(CutAtNul(line));
+    } else {
+      entry.name = std::string(CutAtNul(TrimRight(line.substr(0, equals))));
+      entry.value = std::string(CutAtNul(TrimLeft(line.substr(equals + 1))));
+    }
+    document.sections.back().entries.push_back(std::move(entry));
+  }
+  return document;
+}
+
+std::string Serialize(const Document& document) {
+  std::string out;
+  for (const Section& section : document.sections) {
+    if (!section.name.empty()) {
+      out += '[';
+      out += section.name;
+      out += "]\r\n";
+    }
+    for (const Entry& entry : section.entries) {
+      out += entry.name;
+      if (entry.value) {
+        out += '=';
+        out += *entry.value;
+      }
+      out += "\r\n";
+    }
+  }
+  return out;
+}
+
+const Section* FindSection(const Document& document, std::string_view name) {
+  const std::string_view wanted = Trim(name);
+  for (const Section& s : document.sections)
+    if (SameName(s.name, wanted)) return &s;
+  return nullptr;
+}
+
+std::uint32_t GetString(const Document& document, std::string_view section, std::string_view key,
+                        std::string_view def, char* buffer, std::uint32_t size) {
+  if (size == 0) return 0;
+  const Entry* entry = FindEntry(document, section, key);
+  const std::string_view source = entry && entry->value ? std::string_view(*entry->value)
+                                                        : CutAtNul(TrimDefault(def));
+  Wide w(size, 0);
+  const std::uint32_t n = CopyEntry(w.data(), ToWide(source), size);
+  return NarrowString(w, n, buffer, size);
+}
+
+std::uint32_t GetKeyList(const Document& document, std::string_view section, std::string_view def,
+                         char* buffer, std::uint32_t size) {
+  if (size == 0) return 0;
+  Wide w(size + 1, 0);
+  std::uint32_t n = SectionWide(document, section, false, w.data(), size);
+  if (w[0] == 0) n = CopyEntry(w.data(), ToWide(CutAtNul(TrimDefault(def))), size);
+  return NarrowString(w, n, buffer, size);
+}
+
+std::uint32_t GetSection(const Document& document, std::string_view section, char* buffer,
+                         std::uint32_t size) {
+  if (size == 0) return 0;
+  Wide w(size + 1, 0);
+  const std::uint32_t n = SectionWide(document, section, true, w.data(), size);
+  if (n == 0) {
+    buffer[0] = 0;
+    if (size > 1) buffer[1] = 0;
+    return 0;
+  }
+  // The whole list with both final NULs must fit; otherwise the bytes are cut at the
+  // buffer's end, whatever character that splits, and the last two become NULs.
+  auto [written, whole] = Narrow(w.data(), n + 2, buffer, size);
+  if (whole) return written - 2;
+  buffer[size - 2] = 0;
+  buffer[size - 1] = 0;
+  return size - 2;
+}
+
+std::uint32_t GetSectionNames(const Document& document, char* buffer, std::uint32_t size) {
+  if (size == 0) return 0;
+  Wide w(size + 1, 0);
+  const std::uint32_t n = NamesWide(document, w.data(), size);
+  if (n == 0) {
+    buffer[0] = 0;
+    return 0;
+  }
+  auto [written, whole] = Narrow(w.data(), n + 1, buffer, size - 1);
+  if (whole) {
+    buffer[written] = 0;
+    return written - 1;
+  }
+  buffer[size - 1] = 0;
+  return size - 2;
+}
+
+unsigned GetInt(const Document& document, std::string_view section, std::string_view key,
+                int def) {
+  constexpr std::uint32_t kSize = 30;
+  const Entry* entry = FindEntry(document, section, key);
+  if (!entry || !entry->value) return static_cast<unsigned>(def);
+  Wide w(kSize, 0);
+  const std::uint32_t n = CopyEntry(w.data(), ToWide(*entry->value), kSize);
+  if (n == 0) return static_cast<unsigned>(def);
+  w.resize(n);
+  return ParseProfileInt(w);
+}
+
+bool GetStruct(const Document& document, std::string_view section, std::string_view key,
+               void* data, std::uint32_t size) {
+  const Entry* entry = FindEntry(document, section, key);
+  if (!entry || !entry->value) return false;
+  const Wide w = ToWide(*entry->value);
+  // The platform's own length test, unsigned: a value of one character wraps round.
+  const auto length = static_cast<std::uint32_t>(w.size());
+  if ((length - 2) / 2 != size) return false;
+  for (std::uint32_t c : w)
+    if (c > 0x7F || HexValue(static_cast<char>(c)) < 0) return false;
+  // Bytes are stored as they are decoded, so a bad checksum still fills the buffer.
+  auto* out = static_cast<unsigned char*>(data);
+  unsigned sum = 0;
+  bool high = true;
+  unsigned char byte = 0;
+  for (std::uint32_t i = 0; i + 2 < length; ++i) {
+    const auto v = static_cast<unsigned char>(HexValue(static_cast<char>(w[i])));
+    if (high) {
+      byte = static_cast<unsigned char>(v << 4);
+    } else {
+      byte = static_cast<unsigned char>(byte + v);
+      *out++ = byte;
+      sum += byte;
+    }
+    high = !high;
+  }
+  const int stored = HexValue(static_cast<char>(w[length - 2])) * 16 +
+                     HexValue(static_cast<char>(w[length - 1]));
+  return stored == static_cast<int>(sum & 0xFF);
+}
+
+bool WriteString(Document& document, std::string_view section, std::string_view key,
+                 std::string_view value) {
+  return SetValue(document, section, key, value, false);
+}
+
+bool DeleteKey(Document& document, std::string_view section, std::string_view key) {
+  for (Section& s : document.sections) {
+    if (s.name.empty() || !SameName(s.name, section)) continue;
+    for (auto it = s.entries.begin(); it != s.entries.end(); ++it) {
+      if (SameName(it->name, key)) {
+        s.entries.erase(it);
+        return true;
+      }
+    }
+  }
+  return false;
+}
+
+bool DeleteSection(Document& document, std::string_view section) {
+  for (auto it = document.sections.begin(); it != document.sections.end(); ++it) {
+    if (SameName(it->name, section)) {
+      document.sections.erase(it);
+      return true;
+    }
+  }
+  return false;
+}
+
+bool WriteSection(Document& document, std::string_view section, std::string_view body) {
+  bool changed = false;
+  for (Section& s : document.sections) {
+    if (!s.name.empty() && SameName(s.name, section)) {
+      changed = changed || !s.entries.empty();
+      s.entries.clear();
+    }
+  }
+  for (std::size_t pos = 0; pos < body.size();) {
+    std::size_t end = body.find('\0', pos);
+    if (end == std::string_view::npos) end = body.size();
+    const std::string_view item = body.substr(pos, end - pos);
+    if (item.empty()) break;
+    const std::size_t equals = item.find('=');
+    if (equals != std::string_view::npos) {
+      SetValue(document, section, item.substr(0, equals), item.substr(equals + 1), true);
+      changed = true;
+    }
+    pos = end + 1;
+  }
+  return changed;
+}
+
+std::string StructText(const void* data, std::uint32_t size) {
+  static const char digits[] = "0123456789ABCDEF";
+  const auto* bytes = static_cast<const unsigned char*>(data);
+  std::string out;
+  unsigned sum = 0;
+  for (std::uint32_t i = 0; i < size; ++i) {
+    out += digits[bytes[i] >> 4];
+    out += digits[bytes[i] & 15];
+    sum += bytes[i];
+  }
+  out += digits[(sum >> 4) & 15];
+  out += digits[sum & 15];
+  return out;
+}
+
+bool WriteStruct(Document& document, std::string_view section, std::string_view key,
+                 const void* data, std::uint32_t size) {
+  return WriteString(document, section, key, StructText(data, size));
+}
+
+std::vector<std::string> SplitList(const char* buffer, std::uint32_t size) {
+  std::vector<std::string> out;
+  std::uint32_t pos = 0;
+  while (pos < size && buffer[pos] != 0) {
+    const std::uint32_t start = pos;
+    while (pos < size && buffer[pos] != 0) ++pos;
+    out.emplace_back(buffer + start, pos - start);
+    ++pos;
+  }
+  return out;
+}
+
+}  // namespace tavlet::profile
