@@ -188,6 +188,12 @@ class Win32FileSystem final : public FileSystem {
   }
 
   FileError Rename(const std::string& from, const std::string& to) override {
+    // Windows refuses to replace a read-only file; Wine does not, so ask first.
+    DWORD target = GetFileAttributesA(to.c_str());
+    if (target != INVALID_FILE_ATTRIBUTES && (target & FILE_ATTRIBUTE_READONLY) != 0 &&
+        GetFileAttributesA(from.c_str()) != INVALID_FILE_ATTRIBUTES) {
+      return FileError::AccessDenied;
+    }
     return MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING) ? FileError::None : FromLastError();
   }
 
