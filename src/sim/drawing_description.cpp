@@ -134,6 +134,8 @@ ParseResult ParseLines(const std::string& utf8, const std::string& fileName, con
     ++start;
     std::size_t end = utf8.find('\n', start);
     std::string line = utf8.substr(start, end == std::string::npos ? std::string::npos : end - start);
+    // Text after the last line feed is a line only when it holds something.
+    if (end == std::string::npos && line.empty()) break;
     ++lineNumber;
     start = end;
     try {

@@ -60,8 +60,11 @@ SimHost::SimHost(FileSystem& fs) : fs_(fs) {
 }
 
 SimHost::~SimHost() {
-  for (auto& d : documents_)
-    if (d->automation) d->automation->Detach();
+  for (auto& d : documents_) {
+    if (!d->automation) continue;
+    d->automation->Detach();
+    d->automation->Release();
+  }
   if (application_) application_->Release();
 }
 
