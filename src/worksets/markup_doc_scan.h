@@ -1,0 +1,112 @@
+// The scanners under MarkupDoc: the node scanner that the parse and GetContent run,
+// the word scanner that reads inside a tag, name matching, and entity decoding and
+// encoding. All of them step through the text by code-page 936 character.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "text/codepage.h"
+
+namespace tavlet::markup {
+
+// Token kinds of the node scanner.
+inline constexpr int kEndOfDocument = -2;
+inline constexpr int kTokenError = -1;
+inline constexpr int kEndTag = 0;
+inline constexpr int kStartTag = 1;
+inline constexpr int kText = 2;
+inline constexpr int kWhiteSpace = 4;
+inline constexpr int kCdataSection = 8;
+inline constexpr int kProcessingInstruction = 16;
+inline constexpr int kComment = 32;
+inline constexpr int kDocumentType = 64;
+// A declaration ("<!ELEMENT", "<!ATTLIST", "<!NOTATION") met outside a document
+// type: no error, the node is skipped.
+inline constexpr int kDeclaration = -3;
+
+// NodeFrame::flags of a start tag ending in "/>".
+inline constexpr int kSelfClosing = 0x10000;
+
+// The state of a scan: the last token found (`end` inclusive, empty when below
+// `start`) and where the next scan starts.
+struct ParseToken {
+  std::ptrdiff_t start = 0;
+  std::ptrdiff_t end = -1;
+  std::size_t next = 0;
+  std::string_view text;
+  bool quoted = false;
+
+  std::size_t Length() const { return end >= start ? static_cast<std::size_t>(end - start + 1) : 0; }
+  std::string_view View() const { return text.substr(static_cast<std::size_t>(start), Length()); }
+};
+
+// One open element during a parse, or the node just scanned.
+struct NodeFrame {
+  int type = 0;
+  std::size_t start = 0;
+  std::size_t length = 0;
+  int flags = 0;
+  std::string tagName;  // the error text when `type` is kTokenError
+};
+
+inline bool IsSpace(unsigned char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
+
+// The length of the character at `i` of `p[0..n)`, as text::CharLength counts it;
+// inline because the parse asks it for every character.
+inline std::size_t Step(const char* p, std::size_t i, std::size_t n) {
+  return (i + 1 < n && text::IsLeadByte(static_cast<unsigned char>(p[i])) && p[i + 1] != '\0') ? 2 : 1;
+}
+
+// Scans one node of token.text from token.next; fills `frame` (and, for an end
+// tag, the name's extent in `token`) and moves token.next behind it.
+int ScanNode(ParseToken& token, NodeFrame& frame);
+
+// Reads one word inside a tag from token.next; false at the end of the text.
+bool ScanWord(ParseToken& token);
+
+// True when `token` equals the first bytes of `name` and the name ends there or
+// goes on with " ", "=", "/" or "[".
+bool NameMatches(std::string_view token, std::string_view name);
+
+// The name of a tag whose "<" is at `lt`: up to a space, tab, LF, CR, "/" or ">".
+std::string_view TagNameAt(std::string_view text, std::size_t lt);
+
+// Where an attribute's name and its quoted value lie in the text.
+struct AttributeSpot {
+  std::size_t nameStart = 0;
+  std::size_t nameLength = 0;
+  std::size_t valueStart = 0;
+  std::size_t valueLength = 0;
+};
+
+// Searches the tag whose name starts at `from` for the attribute `name` (the first
+// attribute when `name` is empty). Only a value in quotes is found.
+bool FindAttribute(std::string_view text, std::size_t from, std::string_view name,
+                   AttributeSpot& spot);
+// The name of the attribute at zero-based `index`, empty beyond the last.
+std::string_view AttributeNameAt(std::string_view text, std::size_t from, int index);
+
+// Appends `stretch` with its character and entity references decoded.
+void AppendDecoded(std::string& out, std::string_view stretch);
+
+// Replaces "<", "&" and ">" (and in an attribute value "'" and the double quote)
+// by their entities.
+std::string Encode(std::string_view text, bool attributeValue);
+
+// A CDATA section holding `text`, each "]]>" inside split across two sections.
+std::string CdataSection(std::string_view text);
+
+// True when the last character of `text` is a lead byte with no trail byte: spliced
+// into a document, it would take the byte after it.
+bool EndsInsideCharacter(std::string_view text);
+
+// printf into a std::string.
+std::string Format(const char* format, ...)
+#if defined(__GNUC__)
+    __attribute__((format(printf, 1, 2)))
+#endif
+    ;
+
+}  // namespace tavlet::markup
