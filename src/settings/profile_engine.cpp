@@ -119,7 +119,7 @@ std::uint32_t SectionWide(const Document& document, std::string_view name, bool 
       break;
     }
   }
-  if (!section) {
+  if (!section || size <= 2) {
     buffer[0] = 0;
     if (size > 1) buffer[1] = 0;
     return 0;
@@ -371,10 +371,7 @@ std::uint32_t GetSectionNames(const Document& document, char* buffer, std::uint3
     return 0;
   }
   auto [written, whole] = Narrow(w.data(), n + 1, buffer, size - 1);
-  if (whole) {
-    buffer[written] = 0;
-    return written - 1;
-  }
+  if (whole) return written - 1;
   buffer[size - 1] = 0;
   return size - 2;
 }
@@ -396,29 +393,24 @@ bool GetStruct(const Document& document, std::string_view section, std::string_v
   const Entry* entry = FindEntry(document, section, key);
   if (!entry || !entry->value) return false;
   const Wide w = ToWide(*entry->value);
-  // The platform's own length test, unsigned: a value of one character wraps round.
+  // The platform's own length test, unsigned: a value of one character wraps round,
+  // and one character too many passes and is never looked at.
   const auto length = static_cast<std::uint32_t>(w.size());
   if ((length - 2) / 2 != size) return false;
-  for (std::uint32_t c : w)
-    if (c > 0x7F || HexValue(static_cast<char>(c)) < 0) return false;
+  const std::uint32_t used = size * 2 + 2;
+  for (std::uint32_t i = 0; i < used; ++i)
+    if (w[i] > 0x7F || HexValue(static_cast<char>(w[i])) < 0) return false;
   // Bytes are stored as they are decoded, so a bad checksum still fills the buffer.
   auto* out = static_cast<unsigned char*>(data);
   unsigned sum = 0;
-  bool high = true;
-  unsigned char byte = 0;
-  for (std::uint32_t i = 0; i + 2 < length; ++i) {
-    const auto v = static_cast<unsigned char>(HexValue(static_cast<char>(w[i])));
-    if (high) {
-      byte = static_cast<unsigned char>(v << 4);
-    } else {
-      byte = static_cast<unsigned char>(byte + v);
-      *out++ = byte;
-      sum += byte;
-    }
-    high = !high;
+  for (std::uint32_t i = 0; i < size; ++i) {
+    const auto byte = static_cast<unsigned char>(HexValue(static_cast<char>(w[2 * i])) * 16 +
+                                                 HexValue(static_cast<char>(w[2 * i + 1])));
+    out[i] = byte;
+    sum += byte;
   }
-  const int stored = HexValue(static_cast<char>(w[length - 2])) * 16 +
-                     HexValue(static_cast<char>(w[length - 1]));
+  const int stored = HexValue(static_cast<char>(w[used - 2])) * 16 +
+                     HexValue(static_cast<char>(w[used - 1]));
   return stored == static_cast<int>(sum & 0xFF);
 }
 

@@ -1,0 +1,365 @@
+#include "settings/profile_file.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <functional>
+#include <sstream>
+
+#include "sim/memory_file_system.h"
+
+namespace tavlet {
+namespace {
+
+constexpr const char* kIni = "C:\\Data\\w.ini";
+
+// Shows a returned buffer: NUL as "|", other control and high bytes as hex pairs.
+std::string Show(const char* buffer, std::uint32_t size) {
+  std::string out;
+  for (std::uint32_t i = 0; i < size; ++i) {
+    const auto c = static_cast<unsigned char>(buffer[i]);
+    char hex[4];
+    std::snprintf(hex, sizeof hex, "%02X", c);
+    out += c == 0 ? std::string("|") : (c < 32 || c > 126) ? std::string(hex) : std::string(1, static_cast<char>(c));
+  }
+  return out;
+}
+
+// Reads of the string family, each against the platform's answer for the same file.
+TEST(ProfileEngine, StringReadsFollowThePlatform) {
+  struct Case {
+    const char* file;
+    const char* section;
+    const char* key;
+    const char* expected;
+  };
+  const Case cases[] = {
+      {"[a]\nx=1\n[A]\ny=2\nx=9\n", "a", "y", "D"},          // only the first "a" is searched
+      {"[a]\nx=1\n[A]\ny=2\nx=9\n", "A", "x", "1"},
+      {"[a]\nx=1\ny=2\nx=3\n", "a", "x", "1"},                // first of duplicate keys
+      {"[a]\nnoeq\n", "a", "noeq", "D"},                      // a line without "=" has no value
+      {"[a]\n;c=1\n#h=2\n", "a", ";c", "1"},                  // comments are found by name
+      {"[a]\n k = v \n", "a", "K", "v"},
+      {"[a]\n=e\n", "a", "", "e"},
+      {"[ s ]\nq=1\n", " s ", "q", "1"},
+      {"[ s ]\nq=1\n", "S", " q ", "1"},
+      {"[a]\n[abc\nw=2\n", "a", "w", "2"},                    // "[abc" without "]" is a key
+      {"top=1\n[a]\n", "", "top", "1"},
+      {"[a]\nx=1\n[]\ny=2\n", "", "y", "D"},
+      {"[a]\nq='x'\n", "a", "q", "x"},
+      {"[a]\nq=\"x\"\n", "a", "q", "x"},
+      {"[a]\nq=\"x\n", "a", "q", "\"x"},
+      {"[a]\nq=\"\n", "a", "q", "\""},
+      {"[a]\nq='x\"\n", "a", "q", "'x\""},
+      {"[a]\nq=\"\"\n", "a", "q", ""},
+      {"[a]\nq= \" x \" \n", "a", "q", " x "},
+      {"[a]\nx=1\x1a\n", "a", "x", "1"},
+      {"[a]\n\xA1\xA1y=2\n", "a", "y", "D"},                  // a full-width blank is no blank
+      {"[a]\rx=1\ry=2\r", "a", "y", "2"},
+      {"[a]\nk=v", "a", "k", "v"},  // stands for the file with a NUL byte below
+      {"[a]\nk=v", "b", "z", "2"},
+      {"[文件]\n路径=C:\\表\n", "文件", "路径", "C:\\表"},
+      {"", "a", "x", "D"},
+  };
+  for (const Case& c : cases) {
+    std::string bytes = c.file;
+    if (bytes == "[a]\nk=v") bytes = std::string("[a]\nk=v\0w=1\n[b]\nz=2\n", 21);
+    const profile::Document d = profile::Parse(bytes);
+    char buffer[64] = {};
+    profile::GetString(d, c.section, c.key, "D", buffer, sizeof buffer);
+    EXPECT_STREQ(buffer, c.expected) << c.file << " [" << c.section << "] " << c.key;
+  }
+}
+
+TEST(ProfileEngine, ListsFollowThePlatform) {
+  const profile::Document d =
+      profile::Parse("[a]\nnoeq\n;c=1\n#h=2\n k = v \n=e\n[ s ]\nq=1\n[abc\nw=2\n");
+  char buffer[256] = {};
+  std::uint32_t n = profile::GetSection(d, "a", buffer, sizeof buffer);
+  EXPECT_EQ(n, 17u);
+  EXPECT_EQ(Show(buffer, n + 1), "noeq|#h=2|k=v|=e||");
+  n = profile::GetKeyList(d, "a", "D", buffer, sizeof buffer);
+  EXPECT_EQ(n, 6u);
+  EXPECT_EQ(Show(buffer, n + 1), "#h|k|||");
+  n = profile::GetSectionNames(d, buffer, sizeof buffer);
+  EXPECT_EQ(n, 4u);
+  EXPECT_EQ(Show(buffer, n + 1), "a|s||");
+  n = profile::GetKeyList(profile::Parse("[a]\n;c\n"), "a", "D", buffer, sizeof buffer);
+  EXPECT_EQ(Show(buffer, n + 1), "D|");
+}
+
+// Cuts at small buffers, byte for byte as the platform leaves them ('#' = untouched).
+TEST(ProfileEngine, TruncationAtTheBufferFollowsThePlatform) {
+  struct Case {
+    const char* what;
+    const char* file;
+    std::uint32_t size;
+    const char* expected;
+    std::uint32_t ret;
+  };
+  const char* ascii = "[a]\nx=12345\ny=67\n[bb]\n[ccc]\n";
+  const char* cp936 = "[中]\n文=中文\nk=v\n[文文]\n";
+  const char* quoted = "[a]\nx=\"abcd\"\nc=中文中\n";
+  const Case cases[] = {
+      {"sec", ascii, 1, "|", 0},       {"sec", ascii, 2, "||", 0},
+      {"sec", ascii, 3, "x||", 1},     {"sec", ascii, 5, "x=1||", 3},
+      {"sec", ascii, 8, "x=1234||", 6}, {"sec", ascii, 9, "x=12345||", 7},
+      {"names", ascii, 2, "|#", 0},    {"names", ascii, 3, "a|#", 1},
+      {"names", ascii, 4, "a||#", 2},  {"names", ascii, 5, "a|b|#", 3},
+      {"names", ascii, 8, "a|bb|c|#", 6},
+      {"str", ascii, 1, "|", 0},       {"str", ascii, 4, "123|", 3},
+      {"str", ascii, 7, "12345|#", 5},
+      {"keys", ascii, 2, "D|", 1},     {"keys", ascii, 3, "x|#", 1},
+      {"keys", ascii, 4, "x||#", 2},   {"keys", ascii, 5, "x|y|#", 3},
+      {"csec", cp936, 3, "CE||", 1},   {"csec", cp936, 4, "CEC4||", 2},
+      {"csec", cp936, 9, "CEC4=D6D0CEC4||", 7},
+      {"csec", cp936, 10, "CEC4=D6D0CEC4|||", 8},
+      {"csec", cp936, 12, "CEC4=D6D0CEC4|k=||", 10},
+      {"ckeys", cp936, 3, "CEC4|", 2}, {"ckeys", cp936, 7, "CEC4|k||#", 5},
+      {"cnames", cp936, 3, "D6D0|", 1}, {"cnames", cp936, 5, "D6D0|#|", 3},
+      {"qstr", quoted, 5, "abc|#", 3}, {"qstr", quoted, 6, "abcd|#", 4},
+      {"cstr", quoted, 2, "#|", 1},    {"cstr", quoted, 4, "D6D0#|", 3},
+      {"cstr", quoted, 5, "D6D0CEC4|", 4},
+  };
+  for (const Case& c : cases) {
+    const profile::Document d = profile::Parse(c.file);
+    char buffer[64];
+    std::memset(buffer, '#', sizeof buffer);
+    const std::string what = c.what;
+    std::uint32_t ret = 0;
+    if (what == "sec") ret = profile::GetSection(d, "a", buffer, c.size);
+    if (what == "csec") ret = profile::GetSection(d, "中", buffer, c.size);
+    if (what == "names" || what == "cnames") ret = profile::GetSectionNames(d, buffer, c.size);
+    if (what == "str" || what == "qstr") ret = profile::GetString(d, "a", "x", "D", buffer, c.size);
+    if (what == "cstr") ret = profile::GetString(d, "a", "c", "D", buffer, c.size);
+    if (what == "keys") ret = profile::GetKeyList(d, "a", "D", buffer, c.size);
+    if (what == "ckeys") ret = profile::GetKeyList(d, "中", "D", buffer, c.size);
+    EXPECT_EQ(Show(buffer, c.size), c.expected) << what << " " << c.size;
+    EXPECT_EQ(ret, c.ret) << what << " " << c.size;
+  }
+}
+
+TEST(ProfileEngine, IntegersParseAsThePlatformDoes) {
+  const profile::Document d = profile::Parse(
+      "[a]\ni1=0x10\ni2=0X10\ni3= -5\ni4=+7\ni5=12abc\ni6=abc\ni7=\ni8=4294967295\n"
+      "i9=99999999999\ni10=0b101\ni11=0o17\ni12=\"42\"\ni13=010\n");
+  const std::pair<const char*, int> cases[] = {
+      {"i1", 16}, {"i2", 0},  {"i3", -5},         {"i4", 7},   {"i5", 12},  {"i6", 0},  {"i7", 77},
+      {"i8", -1}, {"i9", 1215752191}, {"i10", 5}, {"i11", 15}, {"i12", 42}, {"i13", 10}, {"none", 77}};
+  for (auto [key, expected] : cases)
+    EXPECT_EQ(static_cast<int>(profile::GetInt(d, "a", key, 77)), expected) << key;
+}
+
+TEST(ProfileEngine, StructsAreHexWithAChecksum) {
+  const unsigned char data[3] = {1, 0xAB, 0x20};
+  EXPECT_EQ(profile::StructText(data, 3), "01AB20CC");
+  const profile::Document d =
+      profile::Parse("[a]\ns=01ab20cc\nt=01AB20CD\nu=01AB20CCx\nv=01AB20C\nw=\"01AB20CC\"\n");
+  struct Case {
+    const char* key;
+    std::uint32_t size;
+    bool ok;
+    const char* filled;
+  };
+  const Case cases[] = {{"s", 3, true, "01AB20"}, {"s", 2, false, "000000"},
+                        {"t", 3, false, "01AB20"},  // filled although the checksum fails
+                        {"u", 3, true, "01AB20"},   // one extra character passes the length test
+                        {"v", 3, false, "000000"}, {"w", 3, false, "000000"},
+                        {"missing", 3, false, "000000"}};
+  for (const Case& c : cases) {
+    unsigned char out[3] = {};
+    EXPECT_EQ(profile::GetStruct(d, "a", c.key, out, c.size), c.ok) << c.key;
+    char hex[8];
+    std::snprintf(hex, sizeof hex, "%02X%02X%02X", out[0], out[1], out[2]);
+    EXPECT_STREQ(hex, c.filled) << c.key;
+  }
+}
+
+// Writes, each against the file the platform leaves.
+TEST(ProfileFileWrites, FilesComeOutAsThePlatformWritesThem) {
+  struct Case {
+    const char* before;
+    const char* after;
+    std::function<void(ProfileFile&)> write;
+  };
+  const Case cases[] = {
+      {"[a]\r\nx=1\r\n\r\n[b]\r\ny=2\r\n", "[a]\r\nx=1\r\nz=3\r\n[b]\r\ny=2\r\n",
+       [](ProfileFile& f) { f.WriteString("a", "z", "3"); }},
+      {"[a]\nx=1\n\n\n[b]\ny=2", "[a]\r\nx=1\r\n[b]\r\ny=2\r\nz=3\r\n",
+       [](ProfileFile& f) { f.WriteString("b", "z", "3"); }},
+      {"[a]\nx=1\n[A]\ny=2\n", "[a]\r\nx=1\r\ny=5\r\n[A]\r\ny=2\r\n",
+       [](ProfileFile& f) { f.WriteString("a", "y", "5"); }},
+      {"[a]\nx=1\n", "[a]\r\nx=1\r\nv=lead trail  \r\n[n]\r\nk=v\r\n",
+       [](ProfileFile& f) {
+         f.WriteString("a", "v", "  lead trail  ");
+         f.WriteString("n", "k", "v");
+       }},
+      {"[a]\nx=1\n;c\n\n[b]\ny=2\n", "[a]\r\nx=1\r\n;c\r\nnew=v\r\n[b]\r\ny=2\r\n",
+       [](ProfileFile& f) { f.WriteString("a", "new", "v"); }},
+      {"[a]\nx=1\n[b]\ny=2\n", "[a]\r\n[b]\r\ny=2\r\n", [](ProfileFile& f) { f.ClearSection("a"); }},
+      {"[a]\nx=1\n[b]\ny=2\n", "[a]\r\nx=1\r\n", [](ProfileFile& f) { f.DeleteSection("B"); }},
+      {"[a]\r\nx=1\r\n[b]\r\n", "[a]\r\nx=1\r\n[b]\r\n", [](ProfileFile& f) { f.ClearSection("c"); }},
+      {"[a]\nx=1\n", "[a]\nx=1\n", [](ProfileFile& f) { f.WriteString("a", "x", "1"); }},
+      {"[a]\nx=1\n", "[a]\r\nx=2\r\n", [](ProfileFile& f) { f.WriteString("A", "X", "2"); }},
+      {"[a]\nx=1\n", "[a]\r\nx=v \r\n", [](ProfileFile& f) { f.WriteString(" a ", " x ", "v "); }},
+      {"[a]\r\nx=1\r\ny=2\r\nx=3\r\n", "[a]\r\nx=9\r\ny=2\r\nx=3\r\n",
+       [](ProfileFile& f) { f.WriteString("a", "x", "9"); }},
+      {"[a]\nx=1\n", "[a]\r\nx=1\r\nk=a\r\nb\r\n", [](ProfileFile& f) { f.WriteString("a", "k", "a\r\nb"); }},
+      {"[a]\nx=1\n", "[a]\r\nx=1\r\n[s]\r\nb=True\r\ni=-12\r\nd=0.125\r\nt=01AB20CC\r\n",
+       [](ProfileFile& f) {
+         const unsigned char data[3] = {1, 0xAB, 0x20};
+         f.WriteBool("s", "b", true);
+         f.WriteInt("s", "i", -12);
+         f.WriteDouble("s", "d", 0.125);
+         f.WriteStruct("s", "t", data, 3);
+       }},
+      {"[a]\nx=1\ny=\n", "[a]\r\ny=\r\n", [](ProfileFile& f) { f.WriteString("a", "x", ""); }},
+      {"[A]\nx=1\n[b]\n", "[A]\r\nx=1\r\n[b]\r\n[c]\r\nx=1\r\n", [](ProfileFile& f) { f.CopySection("a", "c"); }},
+      {"[A]\nx=1\n[b]\n", "[b]\r\n[c]\r\nx=1\r\n", [](ProfileFile& f) { f.RenameSection("a", "c"); }},
+      {"[A]\nx=1\n", "[A]\nx=1\n", [](ProfileFile& f) { f.RenameSection("A", "a"); }},
+      {"[a]\nx=1\n", "[a]\r\nx=1\r\n[e]\r\n", [](ProfileFile& f) { f.EnsureSection("e"); }},
+  };
+  for (const Case& c : cases) {
+    MemoryFileSystem files;
+    files.AddFile(kIni, c.before);
+    ProfileFile file(files, kIni, /*removeEmptyValues=*/true);
+    c.write(file);
+    EXPECT_EQ(files.Contents(kIni), c.after) << c.before;
+  }
+}
+
+TEST(ProfileFileReads, WrapperOperations) {
+  MemoryFileSystem files;
+  files.AddFile(kIni,
+                "[s]\nb1=TRUE\nb2=1\nb3=Yes\nb4=true \nd1=2.5e1\nd2=\nd3=abc\nnoeq\n"
+                "文件1=C:\\a.dwg,0\n文件1=dup\n[t]\n");
+  ProfileFile f(files, kIni);
+  EXPECT_TRUE(f.GetBool("s", "b1", false));
+  EXPECT_TRUE(f.GetBool("s", "b2", false));
+  EXPECT_FALSE(f.GetBool("s", "b3", true));
+  EXPECT_TRUE(f.GetBool("s", "b4", false));
+  EXPECT_TRUE(f.GetBool("s", "missing", true));
+  EXPECT_FALSE(f.GetBool("s", "missing", false));
+  EXPECT_DOUBLE_EQ(f.GetDouble("s", "d1", 0), 25);
+  EXPECT_DOUBLE_EQ(f.GetDouble("s", "d2", 7), 7);
+  EXPECT_DOUBLE_EQ(f.GetDouble("s", "d3", 7), 0);
+  std::vector<std::string> keys{"kept"};
+  EXPECT_EQ(f.GetSectionKeys("s", keys), 10u);
+  EXPECT_EQ(keys.front(), "kept");
+  EXPECT_EQ(keys[8], "noeq");
+  EXPECT_EQ(keys[9], "文件1");
+  std::map<std::string, std::string> map;
+  f.GetSectionMap("S", map);
+  EXPECT_EQ(map["noeq"], "");
+  EXPECT_EQ(map["文件1"], "dup");
+  std::vector<std::string> names;
+  EXPECT_EQ(f.GetSectionNames(names), 2u);
+  EXPECT_EQ(names, (std::vector<std::string>{"s", "t"}));
+  unsigned char data[1];
+  EXPECT_FALSE(f.GetStruct("s", "b1", data, 0));
+  EXPECT_FALSE(f.CopySection("t", "u"));  // an empty source copies nothing
+}
+
+TEST(ProfileFileReads, StringsAreCutAtTheBuffer) {
+  MemoryFileSystem files;
+  files.AddFile(kIni, "[s]\nlong=" + std::string(2500, 'x') + "\nwide=" + std::string(2400, '\xD6') + "\n");
+  ProfileFile f(files, kIni);
+  EXPECT_TRUE(f.GetString("s", "long") == std::string(1999, 'x'));
+  // 1200 characters fit in the buffer's 1999 characters, but only 999 of them in its
+  // 1999 bytes.
+  EXPECT_TRUE(f.GetString("s", "wide") == std::string(1998, '\xD6'));
+}
+
+TEST(ProfileFileReads, SectionsAreCutAtTheirBuffers) {
+  MemoryFileSystem files;
+  std::string text = "[big]\n";
+  for (int i = 1; i <= 2000; ++i) text += "文件" + std::to_string(i) + "=C:\\dwg\\" + std::to_string(i) + ".dwg,0\n";
+  for (int i = 0; i < 200; ++i) text += "[section number " + std::to_string(i) + "]\n";
+  files.AddFile(kIni, text);
+  ProfileFile f(files, kIni);
+  std::vector<std::string> lines;
+  f.GetSectionLines("big", lines);
+  std::size_t bytes = 0;
+  for (const std::string& line : lines) bytes += line.size() + 1;
+  EXPECT_LE(bytes, 32000u);
+  EXPECT_GT(bytes, 31900u);
+  std::vector<std::string> names;
+  f.GetSectionNames(names);
+  std::size_t nameBytes = 0;
+  for (const std::string& name : names) nameBytes += name.size() + 1;
+  EXPECT_LE(nameBytes, 2000u);
+  EXPECT_GT(names.size(), 90u);
+  EXPECT_LT(names.size(), 200u);
+}
+
+TEST(ProfileFileBadInput, ReadsGiveDefaultsAndFailedWritesChangeNothing) {
+  MemoryFileSystem files;
+  files.AddFile("C:\\Data\\nul.ini", std::string("[a]\nk=v\0w=1\n\0\0[b]\nz=2\n", 23));
+  files.AddFile("C:\\Data\\huge.ini", "[a]\nk=" + std::string(10 * 1024 * 1024, 'h') + "\n[b]\nz=2\n");
+  files.AddFile("C:\\Data\\ro.ini", "[a]\nk=v\n", /*readOnly=*/true);
+
+  ProfileFile nul(files, "C:\\Data\\nul.ini");
+  EXPECT_EQ(nul.GetString("a", "k"), "v");
+  EXPECT_EQ(nul.GetString("a", "w", "D"), "D");
+  // A line that starts with NUL is a nameless key, so "[b]" after it is no header.
+  EXPECT_EQ(nul.GetInt("b", "z", 5), 5);
+  EXPECT_EQ(nul.GetInt("a", "z", 5), 2);
+
+  ProfileFile huge(files, "C:\\Data\\huge.ini");
+  EXPECT_EQ(huge.GetString("a", "k").size(), 1999u);
+  EXPECT_EQ(huge.GetString("b", "z"), "2");
+
+  ProfileFile missing(files, "C:\\Nowhere\\x.ini");
+  EXPECT_EQ(missing.GetString("a", "k", "D"), "D");
+  EXPECT_FALSE(missing.WriteString("a", "k", "v"));
+  EXPECT_FALSE(files.Stat("C:\\Nowhere\\x.ini").exists);
+
+  ProfileFile readOnly(files, "C:\\Data\\ro.ini");
+  EXPECT_FALSE(readOnly.WriteString("a", "k", "changed"));
+  EXPECT_FALSE(readOnly.DeleteSection("a"));
+  EXPECT_EQ(files.Contents("C:\\Data\\ro.ini"), "[a]\nk=v\n");
+  EXPECT_EQ(readOnly.GetString("a", "k"), "v");
+
+  files.AddFile(kIni, "[a]\nk=v\n");
+  ProfileFile f(files, kIni);
+  files.FailOn(MemoryFileSystem::Op::WriteFileAtomic);
+  EXPECT_FALSE(f.WriteString("a", "k", "new"));
+  EXPECT_EQ(files.Contents(kIni), "[a]\nk=v\n");
+  EXPECT_EQ(f.GetString("a", "k"), "v");
+  files.FailPath(kIni, FileError::SharingViolation);
+  EXPECT_EQ(f.GetString("a", "k", "D"), "D");
+  EXPECT_FALSE(f.WriteString("a", "k", "new"));  // what can't be read is never replaced
+  files.ClearFailures();
+  EXPECT_EQ(files.Contents(kIni), "[a]\nk=v\n");
+}
+
+TEST(ProfileFileMissing, FirstWriteCreatesTheFile) {
+  MemoryFileSystem files;
+  files.AddFolder("C:\\Data");
+  ProfileFile f(files, kIni, true);
+  EXPECT_EQ(f.GetString("s", "k", "D"), "D");
+  EXPECT_TRUE(f.WriteString("s", "k", ""));  // removing from nothing writes nothing
+  EXPECT_FALSE(files.Stat(kIni).exists);
+  EXPECT_TRUE(f.WriteString("s", "k", "v"));
+  EXPECT_EQ(files.Contents(kIni), "[s]\r\nk=v\r\n");
+}
+
+TEST(ProfileFileStream, CopiesTheStreamIntoAnOwnedTempFile) {
+  MemoryFileSystem files("C:\\Temp");
+  std::string path;
+  {
+    std::istringstream stream("[RESOURCES]\r\n*.dwg=1\nlast=2");
+    ProfileFile f(files, stream);
+    ASSERT_TRUE(f.OwnsTempFile());
+    path = f.Path();
+    EXPECT_EQ(path.rfind("C:\\Temp\\MV_", 0), 0u) << path;
+    EXPECT_EQ(files.Contents(path), "[RESOURCES]\r\n*.dwg=1\r\nlast=2\r\n");
+    EXPECT_EQ(f.GetInt("RESOURCES", "*.DWG", 0), 1);
+  }
+  EXPECT_FALSE(files.Stat(path).exists);
+  ProfileFile plain(files, kIni);
+  EXPECT_FALSE(plain.OwnsTempFile());
+}
+
+}  // namespace
+}  // namespace tavlet
