@@ -274,3 +274,35 @@ TEST(DibUtilities, PaletteEntriesAsColourValues) {
 
 }  // namespace
 }  // namespace tavlet
+
+#include "previews/dib_blend.h"
+
+namespace tavlet {
+namespace {
+
+TEST(BlendShift8, ShiftsInsteadOfDividing) {
+  struct Case {
+    int source, destination, alpha, expected;
+  };
+  const Case cases[] = {
+      {255, 0, 255, 254},  // the fallback's darkening
+      {0, 255, 0, 254},
+      {200, 100, 128, 149},  // (25600 + 12700) >> 8
+      {0, 0, 77, 0},
+      {255, 255, 128, 254},
+      {10, 250, 1, 248},     // (10 + 63500) >> 8
+  };
+  for (const Case& c : cases) {
+    const std::uint8_t s = static_cast<std::uint8_t>(c.source), d = static_cast<std::uint8_t>(c.destination);
+    std::uint8_t out = 0;
+    ASSERT_TRUE(BlendShift8(&s, &d, &out, 1, c.alpha));
+    EXPECT_EQ(out, c.expected) << c.source << " over " << c.destination << " at " << c.alpha;
+  }
+  std::uint8_t s = 1, d = 2, out = 99;
+  EXPECT_FALSE(BlendShift8(&s, &d, &out, 1, 256));
+  EXPECT_FALSE(BlendShift8(&s, &d, &out, 1, -1));
+  EXPECT_EQ(out, 99);
+}
+
+}  // namespace
+}  // namespace tavlet
