@@ -159,5 +159,21 @@ TEST(DwgThumbnailPaint, BackgroundLoadRunsOnItsThreadAndRepaintsTheNotifyWindow)
   DestroyWindow(notify);
 }
 
+TEST(DwgThumbnailPaint, OneDrawDibHandleDrawsEachPictureWithItsOwnPalette) {
+  MemoryFileSystem fs;
+  fs.AddFile("C:\\d\\a.dwg", WideDrawing(0x00112233));
+  fs.AddFile("C:\\d\\b.dwg", WideDrawing(0x00445566));
+  HDRAWDIB drawDib = DrawDibOpen();
+  DwgThumbnail a(fs), b(fs);
+  ASSERT_TRUE(a.Load("C:\\d\\a.dwg", true));
+  ASSERT_TRUE(b.Load("C:\\d\\b.dwg", true));
+  MemoryCanvas canvas(40, 40);
+  PaintThumbnail(a, canvas.dc(), RECT{0, 0, 40, 20}, drawDib);
+  PaintThumbnail(b, canvas.dc(), RECT{0, 20, 40, 40}, drawDib);
+  EXPECT_EQ(canvas.Pixel(20, 10), 0x00112233u);
+  EXPECT_EQ(canvas.Pixel(20, 30), 0x00445566u);
+  DrawDibClose(drawDib);
+}
+
 }  // namespace
 }  // namespace tavlet

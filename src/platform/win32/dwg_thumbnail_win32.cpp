@@ -43,6 +43,10 @@ void GdiThumbnailCanvas::DrawDib(const PreviewRect& dest, const DibView& dib, St
                           reinterpret_cast<const BITMAPINFOHEADER*>(dib.data)->biSize == sizeof(BITMAPINFOHEADER);
   // DrawDib only knows the long header; an old core-header picture goes the other way.
   if (drawDib_ != nullptr && longHeader) {
+    // A draw-DIB handle keeps the colour table of the first picture it drew while
+    // the format stays the same; every thumbnail has its own (recoloured) palette,
+    // so the handle starts over for each one.
+    DrawDibEnd(drawDib_);
     DrawDibDraw(drawDib_, dc_, dest.left, dest.top, dest.Width(), dest.Height(),
                 const_cast<BITMAPINFOHEADER*>(reinterpret_cast<const BITMAPINFOHEADER*>(dib.data)),
                 const_cast<void*>(bits), 0, 0, dib.width, height, DDF_SAME_HDC);
