@@ -166,6 +166,9 @@ class MarkupDoc {
   void ShiftOffsets(std::uint32_t pos, std::int64_t delta, bool behindOwnTags);
   void Splice(std::size_t offset, std::size_t removed, std::string_view insert);
   bool CanAddRoot() const;
+  // True when walking by character from `from` lands on `offset`.
+  bool StandaloneAt(std::size_t from, std::size_t offset) const;
+  bool OpenableSlash(std::size_t tagStart, std::size_t slash) const;
 
   std::string doc_;
   std::string error_;

@@ -112,6 +112,18 @@ void MarkupDoc::LinkAfter(std::uint32_t parent, std::uint32_t after, std::uint32
   }
 }
 
+bool MarkupDoc::StandaloneAt(std::size_t from, std::size_t offset) const {
+  std::size_t i = from;
+  while (i < offset) i += Step(doc_.data(), i, doc_.size());
+  return i == offset;
+}
+
+bool MarkupDoc::OpenableSlash(std::size_t tagStart, std::size_t slash) const {
+  // The "/" of "/>" must be a character of its own, and what is left in front of
+  // the new ">" must not read as "/>" again.
+  return doc_[slash] == '/' && doc_[slash - 1] != '/' && StandaloneAt(tagStart, slash);
+}
+
 bool MarkupDoc::CanAddRoot() const { return textScannable_ && !EndsInsideCharacter(doc_); }
 
 bool MarkupDoc::SetContent(std::string_view text, bool asCdata) {
@@ -125,7 +137,7 @@ bool MarkupDoc::SetContent(std::string_view text, bool asCdata) {
     // A self-closing element is opened: "<a/>" becomes "<a>" + content + "</a>".
     const std::size_t slash = r.start + startLength - 2;
     const std::string name(TagNameAt(doc_, r.start));
-    if (doc_[slash] != '/' || name.size() + 3 > kMaxEndTag) return false;
+    if (!OpenableSlash(r.start, slash) || name.size() + 3 > kMaxEndTag) return false;
     const std::string insert = ">" + content + "</" + name;
     Splice(slash, 1, insert);
     delta = static_cast<std::int64_t>(insert.size()) - 1;
@@ -161,6 +173,7 @@ bool MarkupDoc::SetAttribute(std::string_view name, std::string_view value) {
   } else {
     // Before the ">" that closes the tag, or before "/>".
     offset = r.start + StartTagLength(r) - (EndTagLength(r) == 0 ? 2 : 1);
+    if (!StandaloneAt(r.start, offset)) return false;
     insert = " ";
     insert.append(name);
     insert += "=\"";
@@ -273,7 +286,7 @@ bool MarkupDoc::AddNode(bool asChild, bool before, std::string_view name, std::s
   std::size_t removed = 0;
   std::size_t base = offset;
   if (parentSelfClosing) {
-    if (doc_[offset] != '/') return false;
+    if (!OpenableSlash(up.start, offset)) return false;
     insert = ">\r\n" + nodeText + "</" + parentName;
     removed = 1;
     base = offset + 3;
