@@ -1,6 +1,8 @@
 // IS40_SharpenImage and IS40_AdjustGamma: the two per-pixel steps of a thumbnail.
 #include <algorithm>
 #include <cmath>
+#include <new>
+#include <vector>
 
 #include "previews/raster/raster.h"
 #include "previews/raster/raster_checks.h"
@@ -15,54 +17,22 @@ inline std::uint8_t Sharpened(std::int32_t centre, std::int32_t blockSum, std::i
   return ClampToByte(centre - (((blockSum - 9 * centre) * strength) >> 10));
 }
 
-// One row of the 3 x 3 unsharp mask. Rows above, at and below are given with the
-// image's edge already extended; columns are extended here. The block sum slides:
-// each pixel adds one new column sum and drops the oldest.
-void SharpenRow3(const std::uint8_t* up, const std::uint8_t* at, const std::uint8_t* down,
-                 std::int32_t width, std::int32_t strength, std::uint8_t* out) {
-  auto column = [&](std::int32_t x, std::int32_t c) {
-    const std::size_t i = static_cast<std::size_t>(x) * 3 + c;
-    return static_cast<std::int32_t>(up[i]) + at[i] + down[i];
-  };
-  std::int32_t prev[3], cur[3], next[3];
-  for (int c = 0; c < 3; ++c) {
-    prev[c] = cur[c] = column(0, c);
-    next[c] = column(1, c);
-  }
-  for (std::int32_t x = 0; x < width; ++x) {
-    const std::uint8_t* p = at + static_cast<std::size_t>(x) * 3;
-    std::uint8_t* q = out + static_cast<std::size_t>(x) * 3;
-    const std::int32_t ahead = std::min(x + 2, width - 1);
-    for (int c = 0; c < 3; ++c) {
-      q[c] = Sharpened(p[c], prev[c] + cur[c] + next[c], strength);
-      prev[c] = cur[c];
-      cur[c] = next[c];
-      next[c] = column(ahead, c);
-    }
-  }
-}
-
+// One row of the 3 x 3 unsharp mask. The rows above, at and below come with the
+// image's edge already extended. Each pixel's column sum (three values) is worked
+// out once and then shared by the three block sums it belongs to; columns are
+// extended at both ends.
 void SharpenRow(const std::uint8_t* up, const std::uint8_t* at, const std::uint8_t* down,
-                std::int32_t width, std::int32_t bytes, std::int32_t strength, std::uint8_t* out) {
-  auto column = [&](std::int32_t x, std::int32_t c) {
-    const std::size_t i = static_cast<std::size_t>(x) * bytes + c;
-    return static_cast<std::int32_t>(up[i]) + at[i] + down[i];
-  };
-  std::int32_t prev[8], cur[8], next[8];
+                std::int32_t width, std::int32_t bytes, std::int32_t strength, std::int32_t* columns,
+                std::uint8_t* out) {
+  const std::size_t count = static_cast<std::size_t>(width) * bytes;
+  for (std::size_t k = 0; k < count; ++k) columns[k] = up[k] + at[k] + down[k];
+  const std::size_t last = count - bytes;
   for (std::int32_t c = 0; c < bytes; ++c) {
-    prev[c] = cur[c] = column(0, c);
-    next[c] = column(1, c);
+    out[c] = Sharpened(at[c], 2 * columns[c] + columns[c + bytes], strength);
+    out[last + c] = Sharpened(at[last + c], columns[last + c - bytes] + 2 * columns[last + c], strength);
   }
-  for (std::int32_t x = 0; x < width; ++x) {
-    const std::uint8_t* p = at + static_cast<std::size_t>(x) * bytes;
-    std::uint8_t* q = out + static_cast<std::size_t>(x) * bytes;
-    const std::int32_t ahead = std::min(x + 2, width - 1);
-    for (std::int32_t c = 0; c < bytes; ++c) {
-      q[c] = Sharpened(p[c], prev[c] + cur[c] + next[c], strength);
-      prev[c] = cur[c];
-      cur[c] = next[c];
-      next[c] = column(ahead, c);
-    }
+  for (std::size_t k = bytes; k < last; ++k) {
+    out[k] = Sharpened(at[k], columns[k - bytes] + columns[k] + columns[k + bytes], strength);
   }
 }
 
@@ -81,17 +51,19 @@ int IS40_SharpenImage(const unsigned char* source, std::int32_t width, std::int3
     return call.Finish(kBadArgument);
   }
   const std::int32_t strength = std::clamp(level, 0, 100) * 5;
+  std::vector<std::int32_t> columns;
+  try {
+    columns.resize(static_cast<std::size_t>(width) * bytes);
+  } catch (const std::bad_alloc&) {
+    return call.Finish(kOutOfMemory);
+  }
   for (std::int32_t y = 0; y < height; ++y) {
     const std::uint8_t* up = source + static_cast<std::size_t>(std::max(y - 1, 0)) * sourceStride;
     const std::uint8_t* at = source + static_cast<std::size_t>(y) * sourceStride;
     const std::uint8_t* down =
         source + static_cast<std::size_t>(std::min(y + 1, height - 1)) * sourceStride;
     std::uint8_t* out = destination + static_cast<std::size_t>(y) * destinationStride;
-    if (bytes == 3) {
-      SharpenRow3(up, at, down, width, strength, out);
-    } else {
-      SharpenRow(up, at, down, width, bytes, strength, out);
-    }
+    SharpenRow(up, at, down, width, bytes, strength, columns.data(), out);
     if (!call.Continue(y, height)) return call.Finish(kStoppedByCallback);
   }
   return call.Finish(kOk);

@@ -23,6 +23,61 @@ struct Target {
   std::int32_t width, height, stride;
 };
 
+// The n rows of a box row are first added column by column (a loop the compiler
+// vectorises), then every destination pixel adds n of those column sums.
+template <typename ColumnSum>
+std::int32_t BoxMeanWith(const RasterCall& call, const Image& source, const Target& target,
+                         std::int32_t bytes, std::int32_t xStep, std::int32_t yStep, std::int32_t n) {
+  const std::uint32_t divisor = static_cast<std::uint32_t>(n) * static_cast<std::uint32_t>(n);
+  // Only the first n pixels of each xStep-wide cell are in a box.
+  const std::size_t usedBytes =
+      (static_cast<std::size_t>(target.width - 1) * xStep + n) * static_cast<std::size_t>(bytes);
+  std::vector<ColumnSum> columns;
+  try {
+    columns.resize(usedBytes);
+  } catch (const std::bad_alloc&) {
+    return kOutOfMemory;
+  }
+
+  for (std::int32_t y = 0; y < target.height; ++y) {
+    const std::uint8_t* top = source.pixels + static_cast<std::size_t>(y) * yStep * source.stride;
+    ColumnSum* sum = columns.data();
+    for (std::size_t k = 0; k < usedBytes; ++k) sum[k] = top[k];
+    for (std::int32_t j = 1; j < n; ++j) {
+      const std::uint8_t* row = top + static_cast<std::size_t>(j) * source.stride;
+      for (std::size_t k = 0; k < usedBytes; ++k) sum[k] = static_cast<ColumnSum>(sum[k] + row[k]);
+    }
+
+    std::uint8_t* out = target.pixels + static_cast<std::size_t>(y) * target.stride;
+    const std::size_t cell = static_cast<std::size_t>(xStep) * bytes;
+    if (bytes == 3) {
+      for (std::int32_t x = 0; x < target.width; ++x, out += 3) {
+        const ColumnSum* p = sum + x * cell;
+        std::uint32_t s0 = 0, s1 = 0, s2 = 0;
+        for (std::int32_t i = 0; i < n; ++i, p += 3) {
+          s0 += p[0];
+          s1 += p[1];
+          s2 += p[2];
+        }
+        out[0] = static_cast<std::uint8_t>(s0 / divisor);
+        out[1] = static_cast<std::uint8_t>(s1 / divisor);
+        out[2] = static_cast<std::uint8_t>(s2 / divisor);
+      }
+    } else {
+      for (std::int32_t x = 0; x < target.width; ++x) {
+        for (std::int32_t c = 0; c < bytes; ++c) {
+          const ColumnSum* p = sum + x * cell + c;
+          std::uint32_t total = 0;
+          for (std::int32_t i = 0; i < n; ++i, p += bytes) total += *p;
+          *out++ = static_cast<std::uint8_t>(total / divisor);
+        }
+      }
+    }
+    if (!call.Continue(y, target.height)) return kStoppedByCallback;
+  }
+  return kOk;
+}
+
 // Destination pixel (x, y) is the mean of the n x n source pixels from
 // (x * xr, y * yr). When xr and yr differ the square box covers only part of the
 // destination pixel's area; that is how this mode has always behaved.
@@ -46,51 +101,9 @@ std::int32_t BoxMean(const RasterCall& call, const Image& source, const Target& 
   const std::int32_t xStep = source.width / target.width;
   const std::int32_t yStep = source.height / target.height;
   const std::int32_t n = std::min(xStep, yStep);
-  const std::uint32_t divisor = static_cast<std::uint32_t>(n) * static_cast<std::uint32_t>(n);
-  const std::size_t sumCount = static_cast<std::size_t>(target.width) * bytes;
-
-  std::vector<std::uint32_t> sums;
-  try {
-    sums.resize(sumCount);
-  } catch (const std::bad_alloc&) {
-    return kOutOfMemory;
-  }
-
-  for (std::int32_t y = 0; y < target.height; ++y) {
-    std::fill(sums.begin(), sums.end(), 0u);
-    const std::uint8_t* top = source.pixels + static_cast<std::size_t>(y) * yStep * source.stride;
-    for (std::int32_t j = 0; j < n; ++j) {
-      const std::uint8_t* row = top + static_cast<std::size_t>(j) * source.stride;
-      std::uint32_t* sum = sums.data();
-      if (bytes == 3) {
-        const std::size_t step = static_cast<std::size_t>(xStep) * 3;
-        for (std::int32_t x = 0; x < target.width; ++x, row += step, sum += 3) {
-          std::uint32_t s0 = 0, s1 = 0, s2 = 0;
-          const std::uint8_t* p = row;
-          for (std::int32_t i = 0; i < n; ++i, p += 3) {
-            s0 += p[0];
-            s1 += p[1];
-            s2 += p[2];
-          }
-          sum[0] += s0;
-          sum[1] += s1;
-          sum[2] += s2;
-        }
-      } else {
-        const std::size_t step = static_cast<std::size_t>(xStep) * bytes;
-        for (std::int32_t x = 0; x < target.width; ++x, row += step, sum += bytes) {
-          const std::uint8_t* p = row;
-          for (std::int32_t i = 0; i < n; ++i) {
-            for (std::int32_t c = 0; c < bytes; ++c) sum[c] += *p++;
-          }
-        }
-      }
-    }
-    std::uint8_t* out = target.pixels + static_cast<std::size_t>(y) * target.stride;
-    for (std::size_t k = 0; k < sumCount; ++k) out[k] = static_cast<std::uint8_t>(sums[k] / divisor);
-    if (!call.Continue(y, target.height)) return kStoppedByCallback;
-  }
-  return kOk;
+  // Up to 257 rows of bytes fit a 16-bit column sum; the box limit allows more.
+  if (n <= 257) return BoxMeanWith<std::uint16_t>(call, source, target, bytes, xStep, yStep, n);
+  return BoxMeanWith<std::uint32_t>(call, source, target, bytes, xStep, yStep, n);
 }
 
 // The source columns (or rows) that one destination column covers, with the
@@ -137,6 +150,9 @@ std::int32_t AreaAverage(const RasterCall& call, const Image& source, const Targ
   try {
     columns.reserve(target.width);
     weightStart.reserve(target.width);
+    // Each destination column covers its share of the source plus at most two
+    // shared border columns.
+    columnWeights.reserve(static_cast<std::size_t>(source.width) + 2 * static_cast<std::size_t>(target.width));
     for (std::int32_t x = 0; x < target.width; ++x) {
       const Span span = MakeSpan(x, xr, source.width);
       columns.push_back(span);
