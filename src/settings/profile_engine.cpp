@@ -114,7 +114,7 @@ std::uint32_t SectionWide(const Document& document, std::string_view name, bool 
                           std::uint32_t* buffer, std::uint32_t size) {
   const Section* section = nullptr;
   for (const Section& s : document.sections) {
-    if (!s.name.empty() && SameName(s.name, name)) {
+    if (SameName(s.name, name)) {
       section = &s;
       break;
     }
@@ -221,13 +221,6 @@ unsigned ParseProfileInt(const Wide& w) {
     total = total * base + digit;
   }
   return minus ? 0u - total : total;
-}
-
-int HexValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
 }
 
 // Finds the section a write goes to, creating it at the end when missing.
@@ -393,25 +386,32 @@ bool GetStruct(const Document& document, std::string_view section, std::string_v
   const Entry* entry = FindEntry(document, section, key);
   if (!entry || !entry->value) return false;
   const Wide w = ToWide(*entry->value);
-  // The platform's own length test, unsigned: a value of one character wraps round,
-  // and one character too many passes and is never looked at.
-  const auto length = static_cast<std::uint32_t>(w.size());
-  if ((length - 2) / 2 != size) return false;
-  const std::uint32_t used = size * 2 + 2;
-  for (std::uint32_t i = 0; i < used; ++i)
-    if (w[i] > 0x7F || HexValue(static_cast<char>(w[i])) < 0) return false;
-  // Bytes are stored as they are decoded, so a bad checksum still fills the buffer.
+  // The platform only asks that the characters it uses be letters or digits, not hex
+  // digits, and ignores any beyond the checksum. Bytes are stored as they are decoded,
+  // so a bad checksum still fills the buffer.
+  const std::size_t used = std::size_t{size} * 2 + 2;
+  if (w.size() < used) return false;
+  for (std::size_t i = 0; i < used; ++i) {
+    const std::uint32_t c = w[i];
+    const bool alnum = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+    if (!alnum) return false;
+  }
+  auto nibble = [](std::uint32_t c) -> std::uint8_t {
+    if (c > '9') {
+      if (c >= 'a' && c <= 'z') c -= 'a' - 'A';
+      return static_cast<std::uint8_t>(c - 'A' + 10);
+    }
+    return static_cast<std::uint8_t>(c - '0');
+  };
   auto* out = static_cast<unsigned char*>(data);
   unsigned sum = 0;
   for (std::uint32_t i = 0; i < size; ++i) {
-    const auto byte = static_cast<unsigned char>(HexValue(static_cast<char>(w[2 * i])) * 16 +
-                                                 HexValue(static_cast<char>(w[2 * i + 1])));
+    const auto byte = static_cast<std::uint8_t>((nibble(w[2 * i]) << 4) + nibble(w[2 * i + 1]));
     out[i] = byte;
     sum += byte;
   }
-  const int stored = HexValue(static_cast<char>(w[used - 2])) * 16 +
-                     HexValue(static_cast<char>(w[used - 1]));
-  return stored == static_cast<int>(sum & 0xFF);
+  const auto stored = static_cast<std::uint8_t>((nibble(w[2 * size]) << 4) + nibble(w[2 * size + 1]));
+  return stored == (sum & 0xFF);
 }
 
 bool WriteString(Document& document, std::string_view section, std::string_view key,

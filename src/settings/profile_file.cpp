@@ -1,5 +1,6 @@
 #include "settings/profile_file.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -60,7 +61,9 @@ bool ProfileFile::Modify(Change&& change) {
   if (!change(next)) return true;  // nothing changed: the file is left alone
   std::string bytes = profile::Serialize(next);
   if (files_.WriteFileAtomic(path_, bytes) != FileError::None) return false;
-  cachedDocument_ = std::move(next);
+  // The file is what counts, not the document that made it: a value's trailing
+  // blanks or a nameless section read back differently.
+  cachedDocument_ = profile::Parse(bytes);
   cachedBytes_ = std::move(bytes);
   cacheValid_ = true;
   return true;

@@ -154,18 +154,22 @@ TEST(ProfileEngine, StructsAreHexWithAChecksum) {
   const unsigned char data[3] = {1, 0xAB, 0x20};
   EXPECT_EQ(profile::StructText(data, 3), "01AB20CC");
   const profile::Document d =
-      profile::Parse("[a]\ns=01ab20cc\nt=01AB20CD\nu=01AB20CCx\nv=01AB20C\nw=\"01AB20CC\"\n");
+      profile::Parse("[a]\ns=01ab20cc\nt=01AB20CD\nu=01AB20CCx\nv=01AB20C\nw=\"01AB20CC\"\ng=01AB2GCC\n");
   struct Case {
     const char* key;
     std::uint32_t size;
     bool ok;
     const char* filled;
   };
-  const Case cases[] = {{"s", 3, true, "01AB20"}, {"s", 2, false, "000000"},
-                        {"t", 3, false, "01AB20"},  // filled although the checksum fails
-                        {"u", 3, true, "01AB20"},   // one extra character passes the length test
-                        {"v", 3, false, "000000"}, {"w", 3, false, "000000"},
-                        {"missing", 3, false, "000000"}};
+  const Case cases[] = {
+      {"s", 3, true, "01AB20"},
+      {"s", 2, false, "01AB00"},  // decoded, then the checksum "20" fails
+      {"t", 3, false, "01AB20"},  // filled although the checksum fails
+      {"u", 3, true, "01AB20"},   // characters beyond the checksum are ignored
+      {"v", 3, false, "000000"},  // too short: untouched
+      {"w", 3, false, "000000"},  // a quote is neither letter nor digit: untouched
+      {"g", 3, false, "01AB30"},  // a "G" is decoded as if it were a digit
+      {"missing", 3, false, "000000"}};
   for (const Case& c : cases) {
     unsigned char out[3] = {};
     EXPECT_EQ(profile::GetStruct(d, "a", c.key, out, c.size), c.ok) << c.key;
@@ -189,7 +193,7 @@ TEST(ProfileFileWrites, FilesComeOutAsThePlatformWritesThem) {
        [](ProfileFile& f) { f.WriteString("b", "z", "3"); }},
       {"[a]\nx=1\n[A]\ny=2\n", "[a]\r\nx=1\r\ny=5\r\n[A]\r\ny=2\r\n",
        [](ProfileFile& f) { f.WriteString("a", "y", "5"); }},
-      {"[a]\nx=1\n", "[a]\r\nx=1\r\nv=lead trail  \r\n[n]\r\nk=v\r\n",
+      {"[a]\nx=1\n", "[a]\r\nx=1\r\nv=lead trail\r\n[n]\r\nk=v\r\n",
        [](ProfileFile& f) {
          f.WriteString("a", "v", "  lead trail  ");
          f.WriteString("n", "k", "v");
