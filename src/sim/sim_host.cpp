@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdio>
 
 #include "sim/sim_automation.h"
 #include "text/codepage.h"
@@ -320,6 +321,22 @@ void SimHost::RunCommand(const std::string& typed, bool modifies, const std::str
     ForEditor([&](port::EditorEvents* r) { r->CommandCancelled(name.c_str()); });
   else
     ForEditor([&](port::EditorEvents* r) { r->CommandEnded(name.c_str()); });
+}
+
+void SimHost::RunCommandDuring(const std::string& typed, const std::function<void()>& during) {
+  SimDocument* d = CurrentDoc();
+  if (!d) return;
+  const std::string name = Upper(typed);
+  port::Document doc = current_;
+  d->runningCommand = name;
+  d->quiescent = false;
+  ForEditor([&](port::EditorEvents* r) { r->CommandWillStart(name.c_str()); });
+  if (during) during();
+  if (SimDocument* still = Find(doc)) {
+    still->runningCommand.clear();
+    still->quiescent = true;
+  }
+  ForEditor([&](port::EditorEvents* r) { r->CommandEnded(name.c_str()); });
 }
 
 void SimHost::CancelCommand(const std::string& typed) {
@@ -847,6 +864,26 @@ port::Result SimHost::ProfileRegistryRoot(const char* profile, port::TextSink* r
   if (port::Result r = Enter("HostServices::ProfileRegistryRoot")) return r;
   if (!profile || !*profile) return port::kFalse;
   Give(root, "HKEY_CURRENT_USER\\" + productKey_ + "\\Profiles\\" + profile);
+  return port::kOk;
+}
+
+namespace {
+std::string PointerText(const void* p) {
+  char buffer[32];
+  std::snprintf(buffer, sizeof buffer, "%p", p);
+  return buffer;
+}
+}  // namespace
+
+port::Result SimHost::RegisterAppMdiAware(void* application) {
+  if (port::Result r = Enter("HostServices::RegisterAppMdiAware")) return r;
+  linkerCalls_.push_back("registerAppMDIAware " + PointerText(application));
+  return port::kOk;
+}
+
+port::Result SimHost::UnlockApplication(void* application) {
+  if (port::Result r = Enter("HostServices::UnlockApplication")) return r;
+  linkerCalls_.push_back("unlockApplication " + PointerText(application));
   return port::kOk;
 }
 

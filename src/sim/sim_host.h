@@ -111,6 +111,9 @@ class SimHost final : public port::HostSession,
   void RunCommand(const std::string& name, bool modifies = true, const std::string& argument = "");
   // A command that ends by cancel (a dialog left with Escape) or by failure.
   void CancelCommand(const std::string& name);
+  // A command whose work is `during` (APPLOAD loading a module, for instance):
+  // CMDNAMES names it meanwhile. It ends normally and changes nothing itself.
+  void RunCommandDuring(const std::string& name, const std::function<void()>& during);
   void FailCommand(const std::string& name);
   // A LISP expression; `body` runs inside it (commands it calls, for instance).
   void RunLisp(const std::string& firstLine, const std::function<void()>& body = {});
@@ -155,6 +158,8 @@ class SimHost final : public port::HostSession,
   void SetScreenShotUnavailable(bool unavailable) { screenShotUnavailable_ = unavailable; }
   void SetQuitting(bool quitting) { quitting_ = quitting; }
   bool QuitRequested() const { return quitRequested_; }
+  // "registerAppMDIAware PKT" and "unlockApplication PKT", in order.
+  const std::vector<std::string>& LinkerCalls() const { return linkerCalls_; }
   // "frame", "mdiclient", "cmdline", "cmdhost", "cmddock": that window is not found.
   void SetWindowMissing(const std::string& which, bool missing);
   port::Window WindowNamed(const std::string& which) const;
@@ -292,6 +297,8 @@ class SimHost final : public port::HostSession,
   port::Result TAVLET_PORT_CALL WorkingDatabase(port::Database* db) override;
   port::Result TAVLET_PORT_CALL ProductKey(port::TextSink* key) override;
   port::Result TAVLET_PORT_CALL ProfileRegistryRoot(const char* profile, port::TextSink* root) override;
+  port::Result TAVLET_PORT_CALL RegisterAppMdiAware(void* application) override;
+  port::Result TAVLET_PORT_CALL UnlockApplication(void* application) override;
 
   // OleLinkManager
   port::Result TAVLET_PORT_CALL DocumentObject(port::Database db, port::AcadDocument** document) override;
@@ -336,6 +343,7 @@ class SimHost final : public port::HostSession,
   std::vector<std::string> sentCommands_;
   std::vector<std::string> notices_;
   std::vector<ShownBox> shownBoxes_;
+  std::vector<std::string> linkerCalls_;
   std::deque<std::pair<long, std::string>> stringAnswers_;
   std::deque<BoxAnswer> boxAnswers_;
   std::map<port::Document, int> locks_;

@@ -38,9 +38,12 @@ class MessageBoxes {
 
 // Services of the host application.
 // Real host: acdbHostApplicationServices() (the release string of its version,
-// the roamable root folder, workingDatabase), acrxProductKey(), and
-// AcApProfileManager's registry root of a profile (the text the binding frees).
-// Simulation: settable texts; the working database is the current drawing's.
+// the roamable root folder, workingDatabase), acrxProductKey(),
+// AcApProfileManager's registry root of a profile (the text the binding frees),
+// and the dynamic linker found under "DynamicLinker" in acrxSysRegistry()
+// (registerAppMDIAware, unlockApplication with the entry's pkt).
+// Simulation: settable texts; the working database is the current drawing's; the
+// linker calls are recorded.
 class HostServices {
  public:
   virtual Result TAVLET_PORT_CALL VersionText(TextSink* text) = 0;
@@ -50,6 +53,9 @@ class HostServices {
   virtual Result TAVLET_PORT_CALL ProductKey(TextSink* key) = 0;
   // For example "HKEY_CURRENT_USER\Software\...\Profiles\<name>"; kFalse when none.
   virtual Result TAVLET_PORT_CALL ProfileRegistryRoot(const char* profile, TextSink* root) = 0;
+  // The module's pkt of its load message.
+  virtual Result TAVLET_PORT_CALL RegisterAppMdiAware(void* application) = 0;
+  virtual Result TAVLET_PORT_CALL UnlockApplication(void* application) = 0;
 
  protected:
   ~HostServices() = default;
