@@ -18,18 +18,6 @@ void ClearLog() {
   context.lastError = 0;
 }
 
-TEST(RasterContext, StartsWithTheDocumentedValues) {
-  std::thread([] {
-    const RasterContext& context = CurrentRasterContext();
-    EXPECT_TRUE(context.errorLog.empty());
-    EXPECT_EQ(context.lastError, 0);
-    EXPECT_EQ(context.nestingDepth, 0);
-    EXPECT_EQ(context.textOpacity, 1.0);
-    EXPECT_EQ(context.useDibSections, 0);
-    EXPECT_EQ(context.progressCallback, nullptr);
-  }).join();
-}
-
 TEST(RasterContext, ErrorTextFormats) {
   struct Case {
     const char* function;
