@@ -72,19 +72,18 @@ bool TavletModule::Quitting() {
 
 void TavletModule::FindWindows() {
   port::FrameWindows& frames = *session_.Frame();
-  auto look = [](port::Result r, port::Window w) { return port::Succeeded(r) ? w : nullptr; };
-  port::Window w = nullptr;
-  frame_.frame = look(frames.MainFrame(&w), w);
-  w = nullptr;
-  frame_.mdiClient = frame_.frame ? look(frames.MdiClient(&w), w) : nullptr;
-  // The command line's parent is the command host, and its parent the dock.
+  auto found = [](port::Result r, port::Window* w) {
+    if (port::Failed(r)) *w = nullptr;
+    return *w;
+  };
   port::Window commandLine = nullptr;
-  w = nullptr;
-  commandLine = look(frames.DockCommandLine(&w), w);
-  w = nullptr;
-  frame_.commandHost = commandLine ? look(frames.ParentOf(commandLine, &w), w) : nullptr;
-  w = nullptr;
-  frame_.commandDock = frame_.commandHost ? look(frames.ParentOf(frame_.commandHost, &w), w) : nullptr;
+  found(frames.MainFrame(&frame_.frame), &frame_.frame);
+  if (frame_.frame) found(frames.MdiClient(&frame_.mdiClient), &frame_.mdiClient);
+  // The command line's parent is the command host, and its parent the dock; a
+  // null stops the look-ups behind it.
+  found(frames.DockCommandLine(&commandLine), &commandLine);
+  if (commandLine) found(frames.ParentOf(commandLine, &frame_.commandHost), &frame_.commandHost);
+  if (frame_.commandHost) found(frames.ParentOf(frame_.commandHost, &frame_.commandDock), &frame_.commandDock);
 }
 
 void TavletModule::Init(void* pkt) {
