@@ -136,7 +136,12 @@ std::string FormatValue(const RegValue& value) {
     return buffer;
   }
   if (value.type == kRegSz && !b.empty() && b.find('\0') == b.size() - 1)
-    return "sz:\"" + Escape(std::string_view(b).substr(0, b.size() - 1), false) + "\"";
+  {
+    std::string out = "sz:\"";
+    out += Escape(std::string_view(b).substr(0, b.size() - 1), false);
+    out += '"';
+    return out;
+  }
   std::snprintf(buffer, sizeof buffer, "hex(%u):", static_cast<unsigned>(value.type));
   std::string out = buffer;
   for (std::size_t i = 0; i < b.size(); ++i) {
@@ -198,7 +203,13 @@ void FormatKey(const RegistryTree::Key& key, const std::string& path, std::strin
     out += "]\n";
     for (const auto& [folded, value] : key.values) {
       const std::string& name = key.valueNames.at(folded);
-      out += name.empty() ? "@" : "\"" + Escape(name, false) + "\"";
+      if (name.empty()) {
+        out += '@';
+      } else {
+        out += '"';
+        out += Escape(name, false);
+        out += '"';
+      }
       out += '=';
       out += FormatValue(value);
       out += '\n';

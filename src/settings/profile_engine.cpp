@@ -290,7 +290,14 @@ Document Parse(std::string_view bytes) {
 }
 
 std::string Serialize(const Document& document) {
+  std::size_t size = 0;
+  for (const Section& section : document.sections) {
+    size += section.name.size() + 4;
+    for (const Entry& entry : section.entries)
+      size += entry.name.size() + (entry.value ? entry.value->size() + 1 : 0) + 2;
+  }
   std::string out;
+  out.reserve(size);
   for (const Section& section : document.sections) {
     if (!section.name.empty()) {
       out += '[';
@@ -483,6 +490,40 @@ std::string StructText(const void* data, std::uint32_t size) {
 bool WriteStruct(Document& document, std::string_view section, std::string_view key,
                  const void* data, std::uint32_t size) {
   return WriteString(document, section, key, StructText(data, size));
+}
+
+namespace {
+
+bool CleanText(std::string_view text) {
+  for (char c : text)
+    if (c == '\r' || c == '\n') return false;
+  return text.empty() || (!IsBlank(static_cast<unsigned char>(text.front())) &&
+                          !IsBlank(static_cast<unsigned char>(text.back())));
+}
+
+bool CleanName(std::string_view name) {
+  return CleanText(name) && name.find('=') == std::string_view::npos &&
+         (name.empty() || name.front() != '[');
+}
+
+}  // namespace
+
+bool ReadsBackAsWritten(const Document& document) {
+  for (std::size_t i = 0; i < document.sections.size(); ++i) {
+    const Section& section = document.sections[i];
+    if ((i > 0 && section.name.empty()) || !CleanText(section.name)) return false;
+    for (const Entry& entry : section.entries) {
+      if (!CleanName(entry.name) || (entry.name.empty() && !entry.value)) return false;
+      if (entry.value && !CleanText(*entry.value)) return false;
+    }
+  }
+  return true;
+}
+
+bool WriteReadsBack(std::string_view section, std::string_view key, std::string_view value) {
+  const std::string_view name = CutAtNul(TrimLeft(section));
+  return !name.empty() && CleanText(name) && CleanName(CutAtNul(TrimLeft(key))) &&
+         CleanText(CutAtNul(TrimLeft(value)));
 }
 
 std::vector<std::string> SplitList(const char* buffer, std::uint32_t size) {

@@ -64,6 +64,14 @@ bool WriteStruct(Document& document, std::string_view section, std::string_view 
 // The text WritePrivateProfileStructA stores: hex pairs and a checksum pair.
 std::string StructText(const void* data, std::uint32_t size);
 
+// Whether the document serializes to text that parses back to the same document: no
+// nameless section after the first, and every name and value free of what the parse
+// would read differently (line ends, edge blanks, "=" in a name, a "[" opening it).
+// A writer can then keep the document instead of parsing the file it wrote.
+bool ReadsBackAsWritten(const Document& document);
+// The same for what one WriteString adds to a document that already reads back.
+bool WriteReadsBack(std::string_view section, std::string_view key, std::string_view value);
+
 // Splits a returned list (strings ended by NUL, ended by an empty string or by the
 // end of the buffer) into its strings.
 std::vector<std::string> SplitList(const char* buffer, std::uint32_t size);

@@ -43,10 +43,12 @@ bool ProfileFile::Load(const profile::Document*& document) {
   if (error != FileError::None) {
     cachedDocument_ = profile::Parse("");
     cacheValid_ = false;
+    cacheReadsBack_ = true;
     return error == FileError::NotFound;
   }
   if (!cacheValid_ || bytes != cachedBytes_) {
     cachedDocument_ = profile::Parse(bytes);
+    cacheReadsBack_ = profile::ReadsBackAsWritten(cachedDocument_);
     cachedBytes_ = std::move(bytes);
     cacheValid_ = true;
   }
@@ -54,16 +56,24 @@ bool ProfileFile::Load(const profile::Document*& document) {
 }
 
 template <typename Change>
-bool ProfileFile::Modify(Change&& change) {
+bool ProfileFile::Modify(Change&& change, bool readsBack) {
   const profile::Document* current = nullptr;
   if (!Load(current)) return false;
-  profile::Document next = *current;
-  if (!change(next)) return true;  // nothing changed: the file is left alone
-  std::string bytes = profile::Serialize(next);
-  if (files_.WriteFileAtomic(path_, bytes) != FileError::None) return false;
-  // The file is what counts, not the document that made it: a value's trailing
-  // blanks or a nameless section read back differently.
-  cachedDocument_ = profile::Parse(bytes);
+  // The change is made on the cached document itself; a failed write takes it back
+  // by parsing the bytes that are still on disk.
+  if (!change(cachedDocument_)) return true;  // nothing changed: the file is left alone
+  std::string bytes = profile::Serialize(cachedDocument_);
+  if (files_.WriteFileAtomic(path_, bytes) != FileError::None) {
+    cachedDocument_ = profile::Parse(cacheValid_ ? std::string_view(cachedBytes_) : "");
+    cacheReadsBack_ = profile::ReadsBackAsWritten(cachedDocument_);
+    return false;
+  }
+  // The file is what counts, not the document that made it: a value's trailing blanks
+  // or a nameless section read back differently.
+  if (!cacheReadsBack_ || !readsBack) {
+    cachedDocument_ = profile::Parse(bytes);
+    cacheReadsBack_ = profile::ReadsBackAsWritten(cachedDocument_);
+  }
   cachedBytes_ = std::move(bytes);
   cacheValid_ = true;
   return true;
@@ -88,8 +98,9 @@ bool ProfileFile::WriteDouble(std::string_view section, std::string_view key, do
 bool ProfileFile::WriteString(std::string_view section, std::string_view key,
                               std::string_view value) {
   if (value.empty() && removeEmptyValues_)
-    return Modify([&](profile::Document& d) { return profile::DeleteKey(d, section, key); });
-  return Modify([&](profile::Document& d) { return profile::WriteString(d, section, key, value); });
+    return Modify([&](profile::Document& d) { return profile::DeleteKey(d, section, key); }, true);
+  return Modify([&](profile::Document& d) { return profile::WriteString(d, section, key, value); },
+                profile::WriteReadsBack(section, key, value));
 }
 
 bool ProfileFile::WriteStruct(std::string_view section, std::string_view key, const void* data,

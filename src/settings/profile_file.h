@@ -83,8 +83,10 @@ class ProfileFile {
   // The file's current document; false when the file exists but can't be read (a
   // write must not replace what it couldn't read).
   bool Load(const profile::Document*& document);
+  // `readsBack`: the change keeps a document that reads back as written, so the
+  // document needn't be parsed again from the bytes written.
   template <typename Change>
-  bool Modify(Change&& change);
+  bool Modify(Change&& change, bool readsBack = false);
 
   FileSystem& files_;
   std::string path_;
@@ -92,6 +94,7 @@ class ProfileFile {
   bool removeEmptyValues_ = false;
   bool ownsTempFile_ = false;
   bool cacheValid_ = false;
+  bool cacheReadsBack_ = false;  // cachedDocument_ serializes to bytes that parse back to it
   std::string cachedBytes_;
   profile::Document cachedDocument_;
 };

@@ -222,6 +222,10 @@ TEST(ProfileFileWrites, FilesComeOutAsThePlatformWritesThem) {
       {"[A]\nx=1\n[b]\n", "[b]\r\n[c]\r\nx=1\r\n", [](ProfileFile& f) { f.RenameSection("a", "c"); }},
       {"[A]\nx=1\n", "[A]\nx=1\n", [](ProfileFile& f) { f.RenameSection("A", "a"); }},
       {"[a]\nx=1\n", "[a]\r\nx=1\r\n[e]\r\n", [](ProfileFile& f) { f.EnsureSection("e"); }},
+      // The nameless "[]" section is written without a header, so after the copy its
+      // entry belongs to "a" and goes with it.
+      {"top=1\nalso\n[a]\nx=1\n[]\ny=2\n", "top=1\r\nalso\r\n[renamed]\r\nx=1\r\n",
+       [](ProfileFile& f) { f.RenameSection("a", "renamed"); }},
   };
   for (const Case& c : cases) {
     MemoryFileSystem files;
@@ -230,6 +234,21 @@ TEST(ProfileFileWrites, FilesComeOutAsThePlatformWritesThem) {
     c.write(file);
     EXPECT_EQ(files.Contents(kIni), c.after) << c.before;
   }
+}
+
+TEST(ProfileFileReads, WhatWasWrittenReadsBackAsTheFileHasIt) {
+  MemoryFileSystem files;
+  files.AddFolder("C:\\Data");
+  ProfileFile f(files, kIni);
+  ASSERT_TRUE(f.WriteString("s", "k", "v  "));
+  ASSERT_TRUE(f.WriteString("s", "[odd", "x"));
+  ASSERT_TRUE(f.WriteString("s", "two\r\nlines", "y"));
+  // The later writes start from the file as read back, where the blanks are gone.
+  EXPECT_EQ(files.Contents(kIni), "[s]\r\nk=v\r\n[odd=x\r\ntwo\r\nlines=y\r\n");
+  EXPECT_EQ(f.GetString("s", "k"), "v");
+  EXPECT_EQ(f.GetString("s", "[odd"), "x");
+  EXPECT_EQ(f.GetString("s", "lines", "D"), "y");
+  EXPECT_EQ(f.GetString("s", "two", "D"), "D");
 }
 
 TEST(ProfileFileReads, WrapperOperations) {
