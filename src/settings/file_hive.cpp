@@ -23,7 +23,7 @@ void AppendHex(std::string& out, unsigned char c, char mark) {
 
 // Escapes by character: a lead byte with a proper trail byte stays as it is, so that
 // code-page 936 text reads naturally and its trail bytes never look like escapes.
-// `separatorsRaw` is for key paths, whose "\" separates levels; they escape with "%".
+// Key paths keep their "\" between levels and escape with "%" instead.
 std::string Escape(std::string_view s, bool keyPath) {
   const char mark = keyPath ? '%' : '\\';
   std::string out;
@@ -135,8 +135,7 @@ std::string FormatValue(const RegValue& value) {
     std::snprintf(buffer, sizeof buffer, "dword:%08x", static_cast<unsigned>(v));
     return buffer;
   }
-  if (value.type == kRegSz && !b.empty() && b.find('\0') == b.size() - 1)
-  {
+  if (value.type == kRegSz && !b.empty() && b.find('\0') == b.size() - 1) {
     std::string out = "sz:\"";
     out += Escape(std::string_view(b).substr(0, b.size() - 1), false);
     out += '"';
