@@ -28,7 +28,7 @@ transcript="$out/transcript.txt"
   for f in "${drawings[@]}"; do
     name=$(basename "$f" .dwg)
     echo "\$ dwgthumb extract $name.dwg"
-    run build/win64/dwgthumb.exe extract "$f" -o "$out/$name" 2>&1 | tr -d '\r' || true
+    run build/win64/dwgthumb.exe extract "$f" -d "$out" 2>&1 | tr -d '\r' || true
   done
 } | tee "$transcript"
 echo "Pictures and transcript are in $out"

@@ -5,7 +5,7 @@
 set -euo pipefail
 purpose=${1:-test}
 
-packages=(g++ cmake ninja-build googletest
+packages=(g++ cmake ninja-build googletest locales
           mingw-w64 g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix
           wine wine64 xvfb xauth fonts-wqy-microhei)
 case "$purpose" in
@@ -15,6 +15,17 @@ case "$purpose" in
   *) echo "usage: setup.sh [test|demo|bench]" >&2; exit 2 ;;
 esac
 
+# Wine takes its ANSI code page (936) from LANG, which needs the locale to exist.
+ensure_locale() {
+  if ! locale -a 2>/dev/null | grep -qi '^zh_CN\.utf-\?8$'; then
+    echo "setup: generating the zh_CN.UTF-8 locale"
+    $sudo localedef -i zh_CN -f UTF-8 zh_CN.UTF-8
+  fi
+}
+
+sudo=""
+[ "$(id -u)" -eq 0 ] || sudo="sudo"
+
 missing=()
 for package in "${packages[@]}"; do
   status=$(dpkg-query -W -f='${Status}' "$package" 2>/dev/null || true)
@@ -22,12 +33,10 @@ for package in "${packages[@]}"; do
 done
 if [ ${#missing[@]} -eq 0 ]; then
   echo "setup: everything needed is installed"
-  exit 0
+else
+  echo "setup: installing ${missing[*]}"
+  export DEBIAN_FRONTEND=noninteractive
+  $sudo apt-get update
+  $sudo apt-get install -y --no-install-recommends "${missing[@]}"
 fi
-
-echo "setup: installing ${missing[*]}"
-sudo=""
-[ "$(id -u)" -eq 0 ] || sudo="sudo"
-export DEBIAN_FRONTEND=noninteractive
-$sudo apt-get update
-$sudo apt-get install -y --no-install-recommends "${missing[@]}"
+ensure_locale

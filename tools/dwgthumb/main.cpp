@@ -20,7 +20,7 @@ constexpr int kPngCode = 6;
 
 const char kUsage[] =
     "usage: dwgthumb info FILE...\n"
-    "       dwgthumb extract FILE [-o OUT] [--background COLOUR] [--recolor]\n"
+    "       dwgthumb extract FILE [-o OUT | -d FOLDER] [--background COLOUR] [--recolor]\n"
     "\n"
     "info     prints per drawing its version string and release name, the version\n"
     "         code, the release code, the format byte, the image block's offset and\n"
@@ -28,6 +28,7 @@ const char kUsage[] =
     "extract  writes the thumbnail: a bitmap (entry code 2) as FILE.bmp, or, for\n"
     "         newer drawings that only hold a PNG (entry code 6), FILE.png.\n"
     "         -o OUT              write to OUT instead\n"
+    "         -d FOLDER           write into FOLDER, named as FILE with .bmp or .png\n"
     "         --recolor           recolour the bitmap for a black background, as the\n"
     "                             file preview panel shows it\n"
     "         --background COLOUR recolour for COLOUR: #RRGGBB, black or white\n"
@@ -109,6 +110,18 @@ std::string WithExtension(const std::string& path, const char* extension) {
   return path.substr(0, cut) + extension;
 }
 
+// Beside the input, or in `folder` when one was given.
+std::string OutputName(const std::string& input, const std::string& folder, const char* extension) {
+  const std::string beside = WithExtension(input, extension);
+  if (folder.empty()) return beside;
+  std::size_t nameStart = 0;
+  for (std::size_t pos = 0; pos < beside.size(); pos += text::CharLength(beside, pos)) {
+    if (beside[pos] == '\\' || beside[pos] == '/') nameStart = pos + 1;
+  }
+  const char last = folder.back();
+  return folder + (last == '\\' || last == '/' ? "" : "/") + beside.substr(nameStart);
+}
+
 std::string BmpFile(const DibView& dib) {
   std::string out = "BM";
   auto put32 = [&out](std::uint32_t v) {
@@ -146,13 +159,13 @@ bool ParseColour(const std::string& text, std::uint32_t& colour) {
 }
 
 int Extract(FileSystem& fs, const std::vector<std::string>& args) {
-  std::string input, output;
+  std::string input, output, folder;
   bool recolor = false;
   bool haveBackground = false;
   std::uint32_t background = 0;
   for (std::size_t i = 0; i < args.size(); ++i) {
     const std::string& a = args[i];
-    if (a == "-o" || a == "--background") {
+    if (a == "-o" || a == "-d" || a == "--background") {
       if (i + 1 >= args.size()) {
         std::fprintf(stderr, "dwgthumb: %s needs a value\n", a.c_str());
         return kExitUsage;
@@ -160,6 +173,8 @@ int Extract(FileSystem& fs, const std::vector<std::string>& args) {
       const std::string& value = args[++i];
       if (a == "-o") {
         output = value;
+      } else if (a == "-d") {
+        folder = value;
       } else if (!ParseColour(value, background)) {
         std::fprintf(stderr, "dwgthumb: bad colour '%s' (use #RRGGBB, black or white)\n", value.c_str());
         return kExitUsage;
@@ -193,7 +208,7 @@ int Extract(FileSystem& fs, const std::vector<std::string>& args) {
   std::string bytes;
   if (thumbnail.HasDib()) {
     bytes = BmpFile(thumbnail.Dib());
-    if (output.empty()) output = WithExtension(input, ".bmp");
+    if (output.empty()) output = OutputName(input, folder, ".bmp");
   } else {
     const ThumbnailEntry* png = nullptr;
     for (const ThumbnailEntry& entry : thumbnail.entries()) {
@@ -217,7 +232,7 @@ int Extract(FileSystem& fs, const std::vector<std::string>& args) {
       return kExitFileProblem;
     }
     if (recolor || haveBackground) std::fprintf(stderr, "%s: a PNG picture is written as stored, not recoloured\n", input.c_str());
-    if (output.empty()) output = WithExtension(input, ".png");
+    if (output.empty()) output = OutputName(input, folder, ".png");
   }
   if (fs.WriteFileAtomic(output, bytes) != FileError::None) {
     std::fprintf(stderr, "dwgthumb: cannot write %s\n", output.c_str());

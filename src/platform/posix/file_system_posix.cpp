@@ -172,7 +172,10 @@ class PosixFileSystem final : public FileSystem {
       ::umask(mask);
       ::fchmod(fd.get(), 0666 & ~mask);
     }
-    if (error == FileError::None && ::fsync(fd.get()) != 0) error = FromErrno(errno);
+    // No fsync: the rename alone keeps the old file whole if the process stops
+    // half-way, and flushing every small write (a workset of a thousand files is
+    // a thousand writes) would cost seconds; the platform's own profile writes
+    // don't flush either.
     if (::close(fd.release()) != 0 && error == FileError::None) error = FromErrno(errno);
     if (error == FileError::None && ::rename(temp.c_str(), target.c_str()) != 0) error = FromErrno(errno);
     if (error != FileError::None) ::unlink(temp.c_str());

@@ -172,7 +172,7 @@ class Win32FileSystem final : public FileSystem {
         }
         bytes.remove_prefix(written);
       }
-      if (error == FileError::None && !FlushFileBuffers(file.get())) error = FromLastError();
+      // No FlushFileBuffers, for the reason the POSIX version gives.
       if (!file.Close() && error == FileError::None) error = FromLastError();
     }
     if (error == FileError::None &&
