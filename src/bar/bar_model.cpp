@@ -38,13 +38,13 @@ void BarModel::CreateBar() {
   host::WindowSystem& windows = services_.windows;
   const FrameHandles& frame = services_.frame;
   const bool onFrame = settings_.Floating || IsAreaSide(settings_.DockSide);
-  window_ = windows.CreateWindow({onFrame ? frame.frame : frame.commandDock, "MvTavlet", "Morvane Tavlet Wnd",
+  window_ = windows.NewWindow({onFrame ? frame.frame : frame.commandDock, "MvTavlet", "Morvane Tavlet Wnd",
                                   host::kWsChild | host::kWsVisible, kBarId, {}});
-  strip_ = windows.CreateWindow({window_, "PreviewStrip", "Morvane Doc 选项板", host::kWsChild, kPreviewStripId,
+  strip_ = windows.NewWindow({window_, "PreviewStrip", "Morvane Doc 选项板", host::kWsChild, kPreviewStripId,
                                  {0, 0, 10, 10}});
   LoadWindowSettings(services_.settings, services_.display, settings_);
-  tabs_ = windows.CreateWindow({window_, "TabStrip", "", host::kWsChild, kTabStripId, {}});
-  floatFrame_ = windows.CreateWindow({frame.frame, "FloatFrame", "Tavlet", 0, 0, {}});
+  tabs_ = windows.NewWindow({window_, "TabStrip", "", host::kWsChild, kTabStripId, {}});
+  floatFrame_ = windows.NewWindow({frame.frame, "FloatFrame", "Tavlet", 0, 0, {}});
   created_ = true;
   SetTabMode(settings_.TabMode > 0, false);
   if (settings_.Floating) SetFloating(true, false);

@@ -79,12 +79,12 @@ class WindowSystem {
   virtual unsigned long GetStyle(port::Window window) = 0;
   virtual void SetStyle(port::Window window, unsigned long style) = 0;
   virtual bool SetParent(port::Window child, port::Window parent) = 0;
-  // A one-shot timer of the window's own; setting it again restarts it.
+  // A timer of the window's own; setting it again restarts it.
   virtual bool SetTimer(port::Window window, unsigned id, unsigned milliseconds) = 0;
   virtual bool KillTimer(port::Window window, unsigned id) = 0;
   // On the desktop (no parent given).
   virtual bool CenterWindow(port::Window window) = 0;
-  virtual port::Window CreateWindow(const WindowCreation& creation) = 0;
+  virtual port::Window NewWindow(const WindowCreation& creation) = 0;
   virtual bool DestroyWindow(port::Window window) = 0;
   // The host frame lays out its bars and its MDI client again.
   virtual void RecalcFrameLayout(port::Window frame) = 0;

@@ -151,7 +151,7 @@ bool FakeWindowSystem::CenterWindow(port::Window window) {
   return IsWindow(window);
 }
 
-port::Window FakeWindowSystem::CreateWindow(const host::WindowCreation& creation) {
+port::Window FakeWindowSystem::NewWindow(const host::WindowCreation& creation) {
   auto handle = reinterpret_cast<port::Window>(nextHandle_++);
   host::WindowRect origin = OriginOf(creation.parent);
   host::WindowRect r = creation.rect;

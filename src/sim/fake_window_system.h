@@ -68,7 +68,7 @@ class FakeWindowSystem final : public host::WindowSystem {
   bool SetTimer(port::Window window, unsigned id, unsigned milliseconds) override;
   bool KillTimer(port::Window window, unsigned id) override;
   bool CenterWindow(port::Window window) override;
-  port::Window CreateWindow(const host::WindowCreation& creation) override;
+  port::Window NewWindow(const host::WindowCreation& creation) override;
   bool DestroyWindow(port::Window window) override;
   void RecalcFrameLayout(port::Window frame) override;
   long CaptionHeight() override { return captionHeight; }
