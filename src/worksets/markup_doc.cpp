@@ -1,6 +1,9 @@
 #include "worksets/markup_doc.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <cstdlib>
+#include <new>
 #include <cstring>
 
 #include "platform/file_system.h"
@@ -68,6 +71,7 @@ bool MarkupDoc::Parse() {
       textScannable_ = root == 0;
     }
   }
+  TrimIndex();
   nodeType_ = 0;
   nodeOffset_ = nodeLength_ = 0;
   if (!kept.empty()) error_ = error_.empty() ? kept : kept + ", " + error_;
@@ -91,7 +95,8 @@ std::int64_t MarkupDoc::ParseElements(std::string_view text, std::uint32_t paren
         if (!first) {
           first = pos;
         } else if (depth == 0) {
-          error_ = Format("单元码 '%s' 上偏移 %d 是同属根源", frame.tagName.c_str(), static_cast<int>(frame.start));
+          error_ = Format("单元码 '%s' 上偏移 %d 是同属根源", std::string(frame.tagName).c_str(),
+                          static_cast<int>(frame.start));
           return -1;
         }
         ElementRecord& r = Rec(pos);
@@ -137,7 +142,7 @@ std::int64_t MarkupDoc::ParseElements(std::string_view text, std::uint32_t paren
         const NodeFrame& open = frames[depth];
         if (!NameMatches(endName, open.tagName)) {
           error_ = Format("末端标记 '%s' 上偏移 %d 个不符合比开始标记 '%s' 上偏移 %d 个",
-                          std::string(endName).c_str(), static_cast<int>(token.start), open.tagName.c_str(),
+                          std::string(endName).c_str(), static_cast<int>(token.start), std::string(open.tagName).c_str(),
                           static_cast<int>(open.start));
           return -1;
         }
@@ -145,14 +150,14 @@ std::int64_t MarkupDoc::ParseElements(std::string_view text, std::uint32_t paren
         break;
       }
       case kTokenError:
-        error_ = frame.tagName;
+        error_ = frame.error;
         return -1;
       case kEndOfDocument:
         if (depth == 0) {
           if (!first) error_ = "根目录没找到";
           return first;
         }
-        error_ = Format("单元码 '%s' 上偏移 %d 个没有结束", frames[depth - 1].tagName.c_str(),
+        error_ = Format("单元码 '%s' 上偏移 %d 个没有结束", std::string(frames[depth - 1].tagName).c_str(),
                         static_cast<int>(frames[depth - 1].start));
         return -1;
       default:
@@ -175,22 +180,33 @@ void MarkupDoc::GrowIndex(std::uint64_t wanted) {
   }
   if (wanted >= maxRecords) wanted = maxRecords - 1;
   if (newSegment >= segments_.size()) segments_.resize(newSegment * 2 + 4);
-  const auto reallocate = [&](std::uint64_t segment, std::uint64_t oldSize, std::uint64_t newSize) {
-    std::unique_ptr<ElementRecord[]> block(new ElementRecord[newSize]);
-    if (oldSize) std::memcpy(block.get(), segments_[segment].get(), oldSize * sizeof(ElementRecord));
-    segments_[segment] = std::move(block);
-  };
   const std::uint64_t newBase = newSegment << kSegmentBits;
-  if (newSegment == lastSegment) {
-    reallocate(newSegment, capacity_ - newBase, wanted - newBase);
-  } else {
-    if (capacity_) {
-      const std::uint64_t lastBase = lastSegment << kSegmentBits;
-      if (capacity_ - lastBase < kSegmentSize) reallocate(lastSegment, capacity_ - lastBase, kSegmentSize);
-    }
-    reallocate(newSegment, 0, wanted - newBase);
+  if (newSegment != lastSegment && capacity_) {
+    // A later segment starts: the partly filled last one is made whole first.
+    ResizeSegment(lastSegment, kSegmentSize);
   }
+  ResizeSegment(newSegment, wanted - newBase);
   capacity_ = static_cast<std::uint32_t>(wanted);
+}
+
+void MarkupDoc::FreeSegment::operator()(ElementRecord* block) const { std::free(block); }
+
+void MarkupDoc::ResizeSegment(std::uint64_t segment, std::uint64_t records) {
+  void* block = std::realloc(segments_[segment].get(), records * sizeof(ElementRecord));
+  if (!block) throw std::bad_alloc();
+  segments_[segment].release();
+  segments_[segment].reset(static_cast<ElementRecord*>(block));
+}
+
+void MarkupDoc::TrimIndex() {
+  // A parse reserves by the text's length and grows by half; what it didn't use
+  // goes back, since a parsed document is mostly only read. An edit grows again.
+  const std::uint64_t keep = std::max<std::uint64_t>(nextFreePos_, 8);
+  if (keep >= capacity_) return;
+  const std::uint64_t lastSegment = (keep - 1) >> kSegmentBits;
+  for (std::uint64_t s = lastSegment + 1; s < segments_.size(); ++s) segments_[s].reset();
+  ResizeSegment(lastSegment, keep - (lastSegment << kSegmentBits));
+  capacity_ = static_cast<std::uint32_t>(keep);
 }
 
 std::uint32_t MarkupDoc::TakeRecord() {

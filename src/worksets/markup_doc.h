@@ -148,6 +148,8 @@ class MarkupDoc {
   // The first element's position, 0 with none (the error then says so), -1 on error.
   std::int64_t ParseElements(std::string_view text, std::uint32_t parent);
   void GrowIndex(std::uint64_t wanted);
+  void ResizeSegment(std::uint64_t segment, std::uint64_t records);
+  void TrimIndex();
   std::uint32_t TakeRecord();
   void ClearRootRecord();
   void SetTagLengths(ElementRecord& r, std::uint64_t startLength, std::uint64_t endLength);
@@ -182,7 +184,12 @@ class MarkupDoc {
   std::uint32_t freeChain_ = 0;
   int fileFlags_ = 0;
   std::unique_ptr<SavedPositionTable> savedPositions_;
-  std::vector<std::unique_ptr<ElementRecord[]>> segments_;  // segmentSlots is its size
+  struct FreeSegment {
+    void operator()(ElementRecord* block) const;
+  };
+  // Blocks of records, grown with realloc so that a big block usually grows or
+  // shrinks in place; segmentSlots is the vector's size.
+  std::vector<std::unique_ptr<ElementRecord[], FreeSegment>> segments_;
   std::uint32_t capacity_ = 0;
   // False after a parse that stopped on bad markup: a new root element could then
   // land inside the broken part, so none is added.

@@ -4,6 +4,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <array>
+#include <cstdint>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace tavlet::markup {
 
@@ -19,6 +25,60 @@ constexpr unsigned kInSingleQuotes = 64;
 constexpr unsigned kInDoubleQuotes = 128;
 // A kind not chosen yet; an unterminated node of this kind is reported as "tag".
 constexpr int kNoKind = 100;
+
+// Byte classes for the parse's inner loops.
+constexpr unsigned char kClassLead = 1;     // 0x81-0xFE
+constexpr unsigned char kClassNameEnd = 4;  // white space, "/" or ">"
+
+constexpr std::array<unsigned char, 256> MakeClasses() {
+  std::array<unsigned char, 256> classes{};
+  for (int c = 0x81; c <= 0xFE; ++c) classes[c] |= kClassLead;
+  for (unsigned char c : {' ', '\t', '\n', '\r', '/', '>'}) classes[c] |= kClassNameEnd;
+  return classes;
+}
+constexpr std::array<unsigned char, 256> kClasses = MakeClasses();
+
+inline unsigned char ClassOf(char c) { return kClasses[static_cast<unsigned char>(c)]; }
+
+// The first byte at or behind `i` that is `a`, `b` or `c`, or 0x80 and above (a
+// possible lead byte, which the caller steps over by character). Sixteen bytes at
+// a time where SSE2 is there.
+inline std::size_t SkipPlain(const char* p, std::size_t i, std::size_t n, char a, char b, char c) {
+#if defined(__SSE2__)
+  const __m128i va = _mm_set1_epi8(a);
+  const __m128i vb = _mm_set1_epi8(b);
+  const __m128i vc = _mm_set1_epi8(c);
+  for (; i + 16 <= n; i += 16) {
+    const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + i));
+    const __m128i hit =
+        _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(x, va), _mm_cmpeq_epi8(x, vb)), _mm_cmpeq_epi8(x, vc));
+    if (const int bits = _mm_movemask_epi8(_mm_or_si128(hit, x))) {
+      return i + static_cast<std::size_t>(__builtin_ctz(static_cast<unsigned>(bits)));
+    }
+  }
+#endif
+  for (; i < n; ++i) {
+    const char ch = p[i];
+    if (ch == a || ch == b || ch == c || (static_cast<unsigned char>(ch) & 0x80)) return i;
+  }
+  return n;
+}
+
+// The first of `a`, `b` or `c` at or behind `i` that is a character of its own
+// when the text is walked by character from `i`: a run of multibyte characters is
+// walked by character, everything else is passed sixteen bytes at a time.
+inline std::size_t FindStandalone(const char* p, std::size_t i, std::size_t n, char a, char b, char c) {
+  for (;;) {
+    i = SkipPlain(p, i, n, a, b, c);
+    if (i >= n || !(static_cast<unsigned char>(p[i]) & 0x80)) return i;
+    do i += Step(p, i, n);
+    while (i < n && (static_cast<unsigned char>(p[i]) & 0x80));
+  }
+}
+
+inline std::size_t FindStandalone(const char* p, std::size_t i, std::size_t n, char c) {
+  return FindStandalone(p, i, n, c, c, c);
+}
 
 // The byte is tested as the runtime did, sign-extended and then compared unsigned,
 // so every byte from 0x80 up (a lead byte too) may open a tag name.
@@ -40,7 +100,7 @@ bool EndsWord(unsigned char c) {
 
 int Fail(NodeFrame& frame, const char* what) {
   frame.type = kTokenError;
-  frame.tagName = Format("错误的 %s 上偏移 %d", what, static_cast<int>(frame.start));
+  frame.error = Format("错误的 %s 上偏移 %d", what, static_cast<int>(frame.start));
   return kTokenError;
 }
 
@@ -59,7 +119,7 @@ int Unterminated(NodeFrame& frame, unsigned state, int kind) {
     }
   }
   frame.type = kTokenError;
-  frame.tagName = Format("%s 上偏移 %d 无端接的", what, static_cast<int>(frame.start));
+  frame.error = Format("%s 上偏移 %d 无端接的", what, static_cast<int>(frame.start));
   return kTokenError;
 }
 
@@ -177,8 +237,7 @@ int ScanNode(ParseToken& token, NodeFrame& frame) {
       while (i < n && IsSpace(static_cast<unsigned char>(p[i])));
       if (i >= n || p[i] == '<') return finish(kWhiteSpace, i);
     }
-    while (i < n && p[i] != '<') i += Step(p, i, n);
-    return finish(kText, i);
+    return finish(kText, FindStandalone(p, i, n, '<'));
   }
 
   unsigned state = kSawOpen;
@@ -243,18 +302,26 @@ int ScanNode(ParseToken& token, NodeFrame& frame) {
       const bool quotes = kind == kStartTag || kind == kEndTag || kind == kProcessingInstruction ||
                           kind == kDeclaration;
       bool ended = false;
-      for (; i < n; i += Step(p, i, n)) {
-        c = static_cast<unsigned char>(p[i]);
-        if (quotes && (c == '"' || c == '\'')) {
-          if (c == '"') {
-            if (!(state & kInSingleQuotes)) state ^= kInDoubleQuotes;
-          } else if (!(state & kInDoubleQuotes)) {
-            state ^= kInSingleQuotes;
-          }
+      while (i < n) {
+        if (state & (kInSingleQuotes | kInDoubleQuotes)) {
+          i = FindStandalone(p, i, n, (state & kInDoubleQuotes) ? '"' : '\'');
+          if (i >= n) break;
+          state &= ~(kInSingleQuotes | kInDoubleQuotes);
+          ++i;
           continue;
         }
-        if (c != '>' || (state & (kInSingleQuotes | kInDoubleQuotes))) continue;
-        if (markLength > 1 && std::memcmp(p + i - (markLength - 1), mark, markLength - 1) != 0) continue;
+        i = FindStandalone(p, i, n, '"', '\'', '>');
+        if (i >= n) break;
+        c = static_cast<unsigned char>(p[i]);
+        if (c != '>') {
+          if (quotes) state |= c == '"' ? kInDoubleQuotes : kInSingleQuotes;
+          ++i;
+          continue;
+        }
+        if (markLength > 1 && !(p[i - 1] == mark[markLength - 2] && (markLength < 3 || p[i - 2] == mark[0]))) {
+          ++i;
+          continue;
+        }
         if (kind == kStartTag && p[i - 1] == '/') frame.flags |= kSelfClosing;
         ++i;
         ended = true;
@@ -264,14 +331,16 @@ int ScanNode(ParseToken& token, NodeFrame& frame) {
       if (!(state & kInDocumentType)) {
         if (named) {
           std::size_t nameEnd = nameStart;
-          while (nameEnd < i && !EndsTagName(static_cast<unsigned char>(p[nameEnd]))) {
-            nameEnd += Step(p, nameEnd, n);
+          while (nameEnd < i) {
+            const unsigned char cls = ClassOf(p[nameEnd]);
+            if (cls & kClassNameEnd) break;
+            nameEnd += (cls & kClassLead) ? Step(p, nameEnd, n) : 1;
           }
           if (kind == kEndTag) {
             token.start = static_cast<std::ptrdiff_t>(nameStart);
             token.end = static_cast<std::ptrdiff_t>(nameEnd) - 1;
           } else {
-            frame.tagName.assign(p + nameStart, nameEnd - nameStart);
+            frame.tagName = std::string_view(p + nameStart, nameEnd - nameStart);
           }
         }
         return finish(kind, i);
@@ -325,13 +394,6 @@ bool ScanWord(ParseToken& token) {
   token.end = static_cast<std::ptrdiff_t>(i) - 1;
   token.next = i;
   return true;
-}
-
-bool NameMatches(std::string_view token, std::string_view name) {
-  if (token.size() > name.size() || std::memcmp(token.data(), name.data(), token.size()) != 0) return false;
-  if (token.size() == name.size()) return true;
-  const char next = name[token.size()];
-  return next == ' ' || next == '=' || next == '/' || next == '[';
 }
 
 std::string_view TagNameAt(std::string_view text, std::size_t lt) {

@@ -48,7 +48,10 @@ struct NodeFrame {
   std::size_t start = 0;
   std::size_t length = 0;
   int flags = 0;
-  std::string tagName;  // the error text when `type` is kTokenError
+  // The name of a start tag or processing instruction, in place in the text, so
+  // that a parse copies no names.
+  std::string_view tagName;
+  std::string error;  // when `type` is kTokenError
 };
 
 inline bool IsSpace(unsigned char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
@@ -68,7 +71,15 @@ bool ScanWord(ParseToken& token);
 
 // True when `token` equals the first bytes of `name` and the name ends there or
 // goes on with " ", "=", "/" or "[".
-bool NameMatches(std::string_view token, std::string_view name);
+inline bool NameMatches(std::string_view token, std::string_view name) {
+  if (token.size() > name.size()) return false;
+  for (std::size_t i = 0; i < token.size(); ++i) {
+    if (token[i] != name[i]) return false;
+  }
+  if (token.size() == name.size()) return true;
+  const char next = name[token.size()];
+  return next == ' ' || next == '=' || next == '/' || next == '[';
+}
 
 // The name of a tag whose "<" is at `lt`: up to a space, tab, LF, CR, "/" or ">".
 std::string_view TagNameAt(std::string_view text, std::size_t lt);
