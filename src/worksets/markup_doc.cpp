@@ -79,16 +79,35 @@ bool MarkupDoc::Parse() {
 }
 
 std::int64_t MarkupDoc::ParseElements(std::string_view text, std::uint32_t parent) {
+  // Each open level keeps its first and last child; the first child's `prev` is
+  // set when the level closes, so linking a new element touches only its
+  // predecessor.
+  struct Children {
+    std::uint32_t first = 0;
+    std::uint32_t last = 0;
+  };
   std::vector<NodeFrame> frames(6);
+  std::vector<Children> levels(frames.size() + 1);
   std::size_t depth = 0;
   ParseToken token;
   token.text = text;
   std::uint32_t current = parent;
   std::uint32_t first = 0;
   const std::uint32_t baseLevel = Rec(parent).flags & kLevelMask;
+  const auto closeLevel = [&](const Children& children) {
+    if (children.first) Rec(children.first).prev = children.last;
+  };
   for (;;) {
-    if (depth >= frames.size()) frames.resize(frames.size() * 2 + 6);
+    if (depth >= frames.size()) {
+      frames.resize(frames.size() * 2 + 6);
+      levels.resize(frames.size() + 1);
+    }
     NodeFrame& frame = frames[depth];
+    // Text and white space are skipped here, without a call: the parse has no use
+    // for them, and they end at the next "<" just as the scanner ends them.
+    if (token.next < text.size() && text[token.next] != '<') {
+      token.next = FindStandalone(text.data(), token.next, text.size(), '<');
+    }
     switch (ScanNode(token, frame)) {
       case kStartTag: {
         const std::uint32_t pos = TakeRecord();
@@ -100,30 +119,29 @@ std::int64_t MarkupDoc::ParseElements(std::string_view text, std::uint32_t paren
           return -1;
         }
         ElementRecord& r = Rec(pos);
-        ElementRecord& up = Rec(current);
+        Children& siblings = levels[depth];
         const std::uint32_t level = (baseLevel + static_cast<std::uint32_t>(depth)) & kLevelMask;
         r.start = static_cast<std::uint32_t>(frame.start);
         r.parent = current;
         r.child = 0;
         r.next = 0;
-        if (up.child) {
-          ElementRecord& firstChild = Rec(up.child);
-          const std::uint32_t last = firstChild.prev;
-          Rec(last).next = pos;
-          r.prev = last;
-          firstChild.prev = pos;
+        if (siblings.last) {
+          Rec(siblings.last).next = pos;
+          r.prev = siblings.last;
           r.flags = level;
         } else {
-          up.child = pos;
-          r.prev = pos;
+          Rec(current).child = pos;
+          siblings.first = pos;
           r.flags = level | kFirstChild;
         }
+        siblings.last = pos;
         SetTagLengths(r, frame.length, 0);
         if (frame.flags & kSelfClosing) {
           r.length = static_cast<std::uint32_t>(frame.length);
         } else {
           current = pos;
           ++depth;
+          levels[depth] = Children();
         }
         break;
       }
@@ -138,6 +156,7 @@ std::int64_t MarkupDoc::ParseElements(std::string_view text, std::uint32_t paren
         r.length = static_cast<std::uint32_t>(frame.start - r.start + frame.length);
         r.tagLengths = (r.tagLengths & 0x3FFFFF) | static_cast<std::uint32_t>(frame.length << kEndTagShift);
         if (frame.length > 0x1FF) r.flags |= kOversizedTags;
+        closeLevel(levels[depth]);
         --depth;
         const NodeFrame& open = frames[depth];
         if (!NameMatches(endName, open.tagName)) {
@@ -154,6 +173,7 @@ std::int64_t MarkupDoc::ParseElements(std::string_view text, std::uint32_t paren
         return -1;
       case kEndOfDocument:
         if (depth == 0) {
+          closeLevel(levels[0]);
           if (!first) error_ = "根目录没找到";
           return first;
         }

@@ -7,9 +7,6 @@
 #include <array>
 #include <cstdint>
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
 
 namespace tavlet::markup {
 
@@ -40,44 +37,58 @@ constexpr std::array<unsigned char, 256> kClasses = MakeClasses();
 
 inline unsigned char ClassOf(char c) { return kClasses[static_cast<unsigned char>(c)]; }
 
-// The first byte at or behind `i` that is `a`, `b` or `c`, or 0x80 and above (a
-// possible lead byte, which the caller steps over by character). Sixteen bytes at
-// a time where SSE2 is there.
-inline std::size_t SkipPlain(const char* p, std::size_t i, std::size_t n, char a, char b, char c) {
-#if defined(__SSE2__)
-  const __m128i va = _mm_set1_epi8(a);
-  const __m128i vb = _mm_set1_epi8(b);
-  const __m128i vc = _mm_set1_epi8(c);
-  for (; i + 16 <= n; i += 16) {
-    const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + i));
-    const __m128i hit =
-        _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(x, va), _mm_cmpeq_epi8(x, vb)), _mm_cmpeq_epi8(x, vc));
-    if (const int bits = _mm_movemask_epi8(_mm_or_si128(hit, x))) {
-      return i + static_cast<std::size_t>(__builtin_ctz(static_cast<unsigned>(bits)));
+// In a tag, the first ">" at or behind `i` outside quotes, walking by character;
+// a quote opens a value that only the same quote closes. `state` carries the
+// quote bits in and out. Blocks of sixteen single-byte characters are taken whole,
+// their quotes and ">" found by mask.
+std::size_t FindTagClose(const char* p, std::size_t i, std::size_t n, unsigned& state) {
+  char quote = (state & kInDoubleQuotes) ? '"' : (state & kInSingleQuotes) ? '\'' : 0;
+  const auto close = [&](std::size_t at) {
+    state = (state & ~(kInSingleQuotes | kInDoubleQuotes)) |
+            (quote == '"' ? kInDoubleQuotes : quote == '\'' ? kInSingleQuotes : 0);
+    return at;
+  };
+  // One character by the rules; true when it is the closing ">".
+  const auto take = [&](char c) {
+    if (quote) {
+      if (c == quote) quote = 0;
+    } else if (c == '>') {
+      return true;
+    } else if (c == '"' || c == '\'') {
+      quote = c;
     }
+    return false;
+  };
+#if defined(__SSE2__)
+  const __m128i doubleQuote = _mm_set1_epi8('"');
+  const __m128i singleQuote = _mm_set1_epi8('\'');
+  const __m128i greater = _mm_set1_epi8('>');
+  while (i + 16 <= n) {
+    const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + i));
+    unsigned events = static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(
+        _mm_or_si128(_mm_cmpeq_epi8(x, doubleQuote), _mm_cmpeq_epi8(x, singleQuote)), _mm_cmpeq_epi8(x, greater))));
+    std::size_t advance = 16;
+    if (const unsigned high = static_cast<unsigned>(_mm_movemask_epi8(x))) {
+      events &= ~TrailMask(p, i, n, high, advance);
+    }
+    while (events) {
+      const unsigned bit = static_cast<unsigned>(__builtin_ctz(events));
+      events &= events - 1;
+      if (take(p[i + bit])) return close(i + bit);
+    }
+    i += advance;
   }
 #endif
-  for (; i < n; ++i) {
-    const char ch = p[i];
-    if (ch == a || ch == b || ch == c || (static_cast<unsigned char>(ch) & 0x80)) return i;
+  while (i < n) {
+    if (static_cast<unsigned char>(p[i]) & 0x80) {
+      i += Step(p, i, n);
+    } else if (take(p[i])) {
+      return close(i);
+    } else {
+      ++i;
+    }
   }
-  return n;
-}
-
-// The first of `a`, `b` or `c` at or behind `i` that is a character of its own
-// when the text is walked by character from `i`: a run of multibyte characters is
-// walked by character, everything else is passed sixteen bytes at a time.
-inline std::size_t FindStandalone(const char* p, std::size_t i, std::size_t n, char a, char b, char c) {
-  for (;;) {
-    i = SkipPlain(p, i, n, a, b, c);
-    if (i >= n || !(static_cast<unsigned char>(p[i]) & 0x80)) return i;
-    do i += Step(p, i, n);
-    while (i < n && (static_cast<unsigned char>(p[i]) & 0x80));
-  }
-}
-
-inline std::size_t FindStandalone(const char* p, std::size_t i, std::size_t n, char c) {
-  return FindStandalone(p, i, n, c, c, c);
+  return close(n);
 }
 
 // The byte is tested as the runtime did, sign-extended and then compared unsigned,
@@ -301,22 +312,25 @@ int ScanNode(ParseToken& token, NodeFrame& frame) {
       // Quotes matter in tags and declarations; in comments and CDATA they are text.
       const bool quotes = kind == kStartTag || kind == kEndTag || kind == kProcessingInstruction ||
                           kind == kDeclaration;
+      // The name is read first; the search for the end goes on from behind it unless
+      // the name holds a quote, which opens a value like any other.
+      std::size_t nameEnd = i;
+      if (named) {
+        bool quoteInName = false;
+        while (nameEnd < n) {
+          const char b = p[nameEnd];
+          const unsigned char cls = ClassOf(b);
+          if (cls & kClassNameEnd) break;
+          quoteInName |= b == '"' || b == '\'';
+          nameEnd += (cls & kClassLead) ? Step(p, nameEnd, n) : 1;
+        }
+        if (!quoteInName) i = nameEnd;
+      }
       bool ended = false;
       while (i < n) {
-        if (state & (kInSingleQuotes | kInDoubleQuotes)) {
-          i = FindStandalone(p, i, n, (state & kInDoubleQuotes) ? '"' : '\'');
+        if (p[i] != '>' || (state & (kInSingleQuotes | kInDoubleQuotes))) {
+          i = quotes ? FindTagClose(p, i, n, state) : FindStandalone(p, i, n, '>');
           if (i >= n) break;
-          state &= ~(kInSingleQuotes | kInDoubleQuotes);
-          ++i;
-          continue;
-        }
-        i = FindStandalone(p, i, n, '"', '\'', '>');
-        if (i >= n) break;
-        c = static_cast<unsigned char>(p[i]);
-        if (c != '>') {
-          if (quotes) state |= c == '"' ? kInDoubleQuotes : kInSingleQuotes;
-          ++i;
-          continue;
         }
         if (markLength > 1 && !(p[i - 1] == mark[markLength - 2] && (markLength < 3 || p[i - 2] == mark[0]))) {
           ++i;
@@ -330,12 +344,6 @@ int ScanNode(ParseToken& token, NodeFrame& frame) {
       if (!ended) return Unterminated(frame, state, kind);
       if (!(state & kInDocumentType)) {
         if (named) {
-          std::size_t nameEnd = nameStart;
-          while (nameEnd < i) {
-            const unsigned char cls = ClassOf(p[nameEnd]);
-            if (cls & kClassNameEnd) break;
-            nameEnd += (cls & kClassLead) ? Step(p, nameEnd, n) : 1;
-          }
           if (kind == kEndTag) {
             token.start = static_cast<std::ptrdiff_t>(nameStart);
             token.end = static_cast<std::ptrdiff_t>(nameEnd) - 1;

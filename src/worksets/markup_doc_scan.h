@@ -9,6 +9,10 @@
 
 #include "text/codepage.h"
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace tavlet::markup {
 
 // Token kinds of the node scanner.
@@ -60,6 +64,60 @@ inline bool IsSpace(unsigned char c) { return c == ' ' || c == '\t' || c == '\n'
 // inline because the parse asks it for every character.
 inline std::size_t Step(const char* p, std::size_t i, std::size_t n) {
   return (i + 1 < n && text::IsLeadByte(static_cast<unsigned char>(p[i])) && p[i + 1] != '\0') ? 2 : 1;
+}
+
+#if defined(__SSE2__)
+// The trail bytes of the sixteen-byte block at `i` (a character boundary), as a bit
+// mask, from the mask `high` of its bytes of 0x80 and above; `advance` is where
+// the next block starts (17 when the last character runs past this one).
+inline unsigned TrailMask(const char* p, std::size_t i, std::size_t n, unsigned high, std::size_t& advance) {
+  unsigned trails = 0;
+  advance = 16;
+  while (high) {
+    const unsigned bit = static_cast<unsigned>(__builtin_ctz(high));
+    high &= high - 1;
+    if (Step(p, i + bit, n) == 1) continue;
+    if (bit == 15) {
+      advance = 17;
+      break;
+    }
+    trails |= 1u << (bit + 1);
+    high &= ~(1u << (bit + 1));
+  }
+  return trails;
+}
+#endif
+
+// The first of `a`, `b` or `c` at or behind `i` that is a character of its own
+// when the text is walked by character from `i` (a trail byte is never one).
+// Sixteen bytes at a time where SSE2 is there.
+inline std::size_t FindStandalone(const char* p, std::size_t i, std::size_t n, char a, char b, char c) {
+#if defined(__SSE2__)
+  const __m128i va = _mm_set1_epi8(a);
+  const __m128i vb = _mm_set1_epi8(b);
+  const __m128i vc = _mm_set1_epi8(c);
+  while (i + 16 <= n) {
+    const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + i));
+    unsigned hits = static_cast<unsigned>(_mm_movemask_epi8(
+        _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(x, va), _mm_cmpeq_epi8(x, vb)), _mm_cmpeq_epi8(x, vc))));
+    std::size_t advance = 16;
+    if (const unsigned high = static_cast<unsigned>(_mm_movemask_epi8(x))) {
+      hits &= ~TrailMask(p, i, n, high, advance);
+    }
+    if (hits) return i + static_cast<std::size_t>(__builtin_ctz(hits));
+    i += advance;
+  }
+#endif
+  while (i < n) {
+    const char ch = p[i];
+    if (ch == a || ch == b || ch == c) return i;
+    i += Step(p, i, n);
+  }
+  return n;
+}
+
+inline std::size_t FindStandalone(const char* p, std::size_t i, std::size_t n, char c) {
+  return FindStandalone(p, i, n, c, c, c);
 }
 
 // Scans one node of token.text from token.next; fills `frame` (and, for an end
