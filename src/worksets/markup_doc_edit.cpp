@@ -150,7 +150,7 @@ bool MarkupDoc::SetContent(std::string_view text, bool asCdata) {
     // A self-closing element is opened: "<a/>" becomes "<a>" + content + "</a>".
     const std::size_t slash = r.start + startLength - 2;
     const std::string name(TagNameAt(doc_, r.start));
-    if (!OpenableSlash(r.start, slash) || name.size() + 3 > kMaxEndTag) return false;
+    if (!OpenableSlash(r.start, slash) || !UsableTagName(name) || name.size() + 3 > kMaxEndTag) return false;
     const std::string insert = Concat({">", content, "</", name});
     Splice(slash, 1, insert);
     delta = static_cast<std::int64_t>(insert.size()) - 1;
@@ -180,6 +180,9 @@ bool MarkupDoc::SetAttribute(std::string_view name, std::string_view value) {
   std::size_t removed = 0;
   std::string insert;
   if (FindAttribute(doc_, r.start + 1, name, spot)) {
+    // The search reads words, not the tag as the parse scanned it: a quote in a
+    // tag's name can make a "value" that runs past the tag. That one isn't touched.
+    if (spot.valueStart + spot.valueLength >= std::size_t{r.start} + StartTagLength(r) - 1) return false;
     offset = spot.valueStart;
     removed = spot.valueLength;
     insert = encoded;
@@ -232,8 +235,9 @@ bool MarkupDoc::AddNode(bool asChild, bool before, std::string_view name, std::s
   const bool parentSelfClosing = parent != 0 && EndTagLength(Rec(parent)) == 0;
   std::string parentName;
   if (parentSelfClosing) {
+    // The name is repeated in a new end tag, where a quote in it would open a value.
     parentName = TagNameAt(doc_, Rec(parent).start);
-    if (parentName.size() + 3 > kMaxEndTag) return false;
+    if (!UsableTagName(parentName) || parentName.size() + 3 > kMaxEndTag) return false;
   }
 
   // The new element's text, with its lengths, or a parsed sub-document.

@@ -67,6 +67,8 @@ TEST(MarkupEdit, SetContent) {
       {"refused at position 0", "<r/>", {}, [](MarkupDoc& d) { return d.SetContent("x"); }, false, "<r/>"},
       {"refused where \"//>\" would stay self-closing", "<r//>", {"r"},
        [](MarkupDoc& d) { return d.SetContent("x") || d.AddChildElement("a"); }, false, "<r//>"},
+      {"refused where the name holds a quote", "<r\"a\"/>", {""},
+       [](MarkupDoc& d) { return d.SetContent("x") || d.AddChildElement("a"); }, false, "<r\"a\"/>"},
       {"refused where the \"/\" is a trail byte", "<r\x81/>", {""},
        [](MarkupDoc& d) { return d.SetContent("x") || d.AddChildElement("a"); }, false, "<r\x81/>"},
       {"refused for a dangling lead byte", "<r/>", {"r"}, [](MarkupDoc& d) { return d.SetContent("x\x81"); },
@@ -114,6 +116,8 @@ TEST(MarkupEdit, SetAttribute) {
       {"name that would break the tag", "<r/>", {"r"}, [](MarkupDoc& d) { return d.SetAttribute("a b", "1"); },
        false, "<r/>"},
       {"no main position", "<r/>", {}, [](MarkupDoc& d) { return d.SetAttribute("a", "1"); }, false, "<r/>"},
+      {"a value the search reads past the tag", "<r<r\" c=b=\"\n//>", {""},
+       [](MarkupDoc& d) { return d.SetAttribute("b", "1"); }, false, "<r<r\" c=b=\"\n//>"},
       {"a lead byte before the insert point", "<r\x81/>", {""}, [](MarkupDoc& d) { return d.SetAttribute("a", "1"); },
        false, "<r\x81/>"},
   });
