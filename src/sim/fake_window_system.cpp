@@ -199,21 +199,21 @@ void FakeWindowSystem::DetachHook(port::Window window, host::WindowHookSink* sin
 }
 
 void AddSimHostWindows(FakeWindowSystem& windows, const SimHost& host) {
-  struct Spec {
+  struct Placement {
     const char* name;
     const char* parent;
     host::WindowRect rect;
   };
   // The command window sits under the drawing area, the dock holding the host
   // holding the command line.
-  const Spec specs[] = {
+  const Placement placements[] = {
       {"frame", nullptr, {0, 0, 1024, 768}},
       {"mdiclient", "frame", {0, 60, 1024, 640}},
       {"cmddock", "frame", {0, 640, 1024, 740}},
       {"cmdhost", "cmddock", {0, 644, 1024, 740}},
       {"cmdline", "cmdhost", {4, 648, 1020, 736}},
   };
-  for (const Spec& s : specs) {
+  for (const Placement& s : placements) {
     port::Window w = host.WindowNamed(s.name);
     if (!w) continue;
     windows.AddWindow(w, s.name, s.parent ? host.WindowNamed(s.parent) : nullptr, s.rect,
