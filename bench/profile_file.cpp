@@ -11,9 +11,6 @@
 #include "settings/profile_file.h"
 #include "sim/memory_file_system.h"
 
-#ifdef _WIN32
-#include <windows.h>
-#endif
 
 namespace {
 
@@ -50,24 +47,6 @@ void BM_ProfileFileOnDisk(benchmark::State& state) {
 }
 BENCHMARK(BM_ProfileFileOnDisk)->Unit(benchmark::kMillisecond);
 
-#ifdef _WIN32
-// The same work through the platform's own functions, for comparison under Wine.
-void BM_PlatformProfileFunctions(benchmark::State& state) {
-  char temp[MAX_PATH] = {};
-  GetTempPathA(MAX_PATH, temp);
-  const std::string path = std::string(temp) + "tavlet_bench_platform.worksets";
-  for (auto _ : state) {
-    DeleteFileA(path.c_str());
-    for (int i = 1; i <= kFiles; ++i)
-      WritePrivateProfileStringA("Site plans", Key(i).c_str(), Value(i).c_str(), path.c_str());
-    std::vector<char> buffer(32000, 0);
-    GetPrivateProfileSectionA("Site plans", buffer.data(), 32000, path.c_str());
-    benchmark::DoNotOptimize(buffer.data());
-  }
-  DeleteFileA(path.c_str());
-}
-BENCHMARK(BM_PlatformProfileFunctions)->Unit(benchmark::kMillisecond);
-#endif
 
 }  // namespace
 
