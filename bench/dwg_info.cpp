@@ -24,7 +24,7 @@ const std::vector<std::string>& Drawings() {
   static const std::vector<std::string> paths = [] {
     std::filesystem::path dir = std::filesystem::temp_directory_path() / "tavlet-bench-dwg";
     std::filesystem::create_directories(dir);
-    tavlet::testing::DibSpec dib;
+    tavlet::testing::DibShape dib;
     dib.width = 256;
     dib.height = 160;
     const std::string bytes = tavlet::testing::MakeDwgWithBitmap("AC1021", dib, 0x1B);
