@@ -15,8 +15,9 @@ class DrawingPathTest : public ::testing::Test {
  protected:
   DrawingPathTest() {
     fs.AddFile("C:\\dwg\\plan.dwg", "AC1018");
+    fs.AddFile("C:\\dwg\\locked.dwg", "AC1018");
+    fs.FailPath("C:\\dwg\\locked.dwg");
     fs.AddFolder("C:\\dwg\\sub");
-    fs.AddFolder("C:\\x" + kTrailBackslash);
     fs.AddFile("C:\\x" + kTrailBackslash + "\\b.dwg", "");
   }
   MemoryFileSystem fs;
@@ -25,13 +26,13 @@ class DrawingPathTest : public ::testing::Test {
 TEST_F(DrawingPathTest, SettingLooksTheNameUpAndMarksFolders) {
   const struct {
     std::string path;
-    bool exists;
-    bool isFolder;
+    bool exists, isFolder;
     std::string full;
   } cases[] = {
       {"C:\\dwg\\plan.dwg", true, false, "C:\\dwg\\plan.dwg"},
       {"c:/DWG/PLAN.dwg", true, false, "c:/DWG/PLAN.dwg"},
       {"C:\\dwg\\missing.dwg", false, false, "C:\\dwg\\missing.dwg"},
+      {"C:\\dwg\\locked.dwg", false, false, "C:\\dwg\\locked.dwg"},  // a failing lookup is a missing file
       {"C:\\dwg\\sub", true, true, "C:\\dwg\\sub\\"},
       {"C:/dwg/sub", true, true, "C:/dwg/sub\\"},
       // A name that already ends in a separator is not found, as with the
@@ -42,10 +43,11 @@ TEST_F(DrawingPathTest, SettingLooksTheNameUpAndMarksFolders) {
       {"", false, false, ""},
   };
   for (const auto& c : cases) {
+    SCOPED_TRACE(c.path);
     DrawingPath path(c.path, fs);
-    EXPECT_EQ(path.Exists, c.exists) << c.path;
-    EXPECT_EQ(path.IsFolder, c.isFolder) << c.path;
-    EXPECT_EQ(path.Full, c.full) << c.path;
+    EXPECT_EQ(path.Exists, c.exists);
+    EXPECT_EQ(path.IsFolder, c.isFolder);
+    EXPECT_EQ(path.Full, c.full);
     EXPECT_FALSE(path.readOnly);
   }
 }
@@ -70,73 +72,40 @@ TEST_F(DrawingPathTest, ResettingClearsWhatTheOldNameFound) {
   EXPECT_TRUE(path.readOnly);  // only ParseRecentEntry sets it
 }
 
-TEST_F(DrawingPathTest, AFailingLookupIsAMissingFile) {
-  fs.FailPath("C:\\dwg\\plan.dwg");
-  DrawingPath path("C:\\dwg\\plan.dwg", fs);
-  EXPECT_FALSE(path.Exists);
-  EXPECT_EQ(path.GetName(), "plan.dwg");
-}
-
 TEST_F(DrawingPathTest, ReadsGiveEachPieceAndDoubleBackslashesOnRequest) {
-  DrawingPath path("C:\\dwg\\plan.dwg", fs);
+  const DrawingPath path("C:\\dwg\\plan.dwg", fs);
+  const DrawingPath folder("C:\\x" + kTrailBackslash, fs);
+  const DrawingPath file("C:\\x" + kTrailBackslash + "\\b.dwg", fs);
+  // A folder that ends in the trail byte has no backslash to drop.
+  const DrawingPath bare("C:" + kTrailBackslash, fs);
   const struct {
     const char* what;
-    std::string plain;
-    std::string doubled;
+    std::string plain, doubled, expected;
   } reads[] = {
-      {"full", path.GetFull(), path.GetFull(true)},
-      {"name", path.GetName(), path.GetName(true)},
-      {"extension", path.GetExtension(), path.GetExtension(true)},
-      {"title", path.GetTitle(), path.GetTitle(true)},
-      {"drive", path.GetDrive(), path.GetDrive(true)},
-      {"directory", path.GetDirectory(), path.GetDirectory(true)},
-      {"folder", path.GetFolder(), path.GetFolder(false, true)},
-      {"folder without backslash", path.GetFolder(true), path.GetFolder(true, true)},
+      {"full", path.GetFull(), path.GetFull(true), "C:\\dwg\\plan.dwg"},
+      {"name", path.GetName(), path.GetName(true), "plan.dwg"},
+      {"extension", path.GetExtension(), path.GetExtension(true), ".dwg"},
+      {"title", path.GetTitle(), path.GetTitle(true), "plan"},
+      {"drive", path.GetDrive(), path.GetDrive(true), "C:"},
+      {"directory", path.GetDirectory(), path.GetDirectory(true), "\\dwg\\"},
+      {"folder", path.GetFolder(), path.GetFolder(false, true), "C:\\dwg\\"},
+      {"folder without backslash", path.GetFolder(true), path.GetFolder(true, true), "C:\\dwg"},
+      {"trail folder", folder.GetFolder(), folder.GetFolder(false, true), "C:\\x" + kTrailBackslash + "\\"},
+      {"trail folder without backslash", folder.GetFolder(true), folder.GetFolder(true, true), "C:\\x" + kTrailBackslash},
+      {"trail folder name", folder.GetName(), folder.GetName(true), ""},
+      {"file in trail folder", file.GetDirectory(), file.GetDirectory(true), "\\x" + kTrailBackslash + "\\"},
+      {"bare trail folder", bare.GetFolder(true), bare.GetFolder(true, true), "C:"},
+      {"bare trail name", bare.GetName(), bare.GetName(true), kTrailBackslash},
   };
-  const struct {
-    std::string plain;
-    std::string doubled;
-  } expected[] = {
-      {"C:\\dwg\\plan.dwg", "C:\\\\dwg\\\\plan.dwg"},
-      {"plan.dwg", "plan.dwg"},
-      {".dwg", ".dwg"},
-      {"plan", "plan"},
-      {"C:", "C:"},
-      {"\\dwg\\", "\\\\dwg\\\\"},
-      {"C:\\dwg\\", "C:\\\\dwg\\\\"},
-      {"C:\\dwg", "C:\\\\dwg"},
-  };
-  static_assert(std::size(reads) == std::size(expected));
-  for (std::size_t i = 0; i < std::size(reads); ++i) {
-    EXPECT_EQ(reads[i].plain, expected[i].plain) << reads[i].what;
-    EXPECT_EQ(reads[i].doubled, expected[i].doubled) << reads[i].what;
+  for (const auto& r : reads) {
+    EXPECT_EQ(r.plain, r.expected) << r.what;
+    EXPECT_EQ(r.doubled, DoubleBackslashes(r.expected)) << r.what;
   }
-  EXPECT_EQ(path.Drive, "C:");
-  EXPECT_EQ(path.Folder, "\\dwg\\");
-  EXPECT_EQ(path.Name, "plan");
-  EXPECT_EQ(path.Extension, ".dwg");
-}
-
-TEST_F(DrawingPathTest, ReadsKeepTrailBytesWhole) {
-  DrawingPath folder("C:\\x" + kTrailBackslash, fs);
-  EXPECT_EQ(folder.GetFolder(), "C:\\x" + kTrailBackslash + "\\");
-  EXPECT_EQ(folder.GetFolder(true), "C:\\x" + kTrailBackslash);
-  EXPECT_EQ(folder.GetFolder(true, true), "C:\\\\x" + kTrailBackslash);
-  EXPECT_EQ(folder.GetName(), "");
-
-  DrawingPath file("C:\\x" + kTrailBackslash + "\\b.dwg", fs);
-  EXPECT_TRUE(file.Exists);
-  EXPECT_EQ(file.GetDirectory(true), "\\\\x" + kTrailBackslash + "\\\\");
-  // A folder that ends in the trail byte has no backslash to drop.
-  DrawingPath bare("C:" + kTrailBackslash, fs);
-  EXPECT_EQ(bare.GetFolder(true), "C:");
-  EXPECT_EQ(bare.GetName(), kTrailBackslash);
 }
 
 TEST_F(DrawingPathTest, ParseRecentEntrySplitsPathAndFlag) {
   const struct {
-    std::string text;
-    std::string full;
+    std::string text, full;
     bool readOnly;
   } cases[] = {
       {"C:\\dwg\\plan.dwg", "C:\\dwg\\plan.dwg", false},
@@ -158,21 +127,13 @@ TEST_F(DrawingPathTest, ParseRecentEntrySplitsPathAndFlag) {
       {",1", "", true},
       {"", "", false},
       {"C:\\图纸\\平面图.dwg,1", "C:\\图纸\\平面图.dwg", true},
+      {"C:\\dwg\\sub , 0", "C:\\dwg\\sub\\", false},  // looked up: a folder gets its backslash
   };
   for (const auto& c : cases) {
-    DrawingPath path = ParseRecentEntry(c.text, fs);
+    const DrawingPath path = ParseRecentEntry(c.text, fs);
     EXPECT_EQ(path.Full, c.full) << c.text;
     EXPECT_EQ(path.readOnly, c.readOnly) << c.text;
   }
-}
-
-TEST_F(DrawingPathTest, ParseRecentEntryLooksThePathUp) {
-  DrawingPath file = ParseRecentEntry("C:\\dwg\\plan.dwg,1", fs);
-  EXPECT_TRUE(file.Exists);
-  EXPECT_EQ(file.GetName(), "plan.dwg");
-  DrawingPath folder = ParseRecentEntry("C:\\dwg\\sub , 0", fs);
-  EXPECT_TRUE(folder.IsFolder);
-  EXPECT_EQ(folder.Full, "C:\\dwg\\sub\\");
 }
 
 }  // namespace

@@ -10,51 +10,35 @@ namespace {
 const std::string kTrailBackslash = "\x81\x5C";  // one character whose trail byte is '\'
 const std::string kTrailDot = "\x81\x2E";        // lead before '.': the runtime takes the pair
 
-struct SplitCase {
-  std::string path;
-  std::string drive;
-  std::string directory;
-  std::string name;
-  std::string extension;
-};
+std::string Joined(const PathParts& parts) {
+  return parts.drive + "|" + parts.directory + "|" + parts.name + "|" + parts.extension;
+}
 
+// Under Wine the runtime's own _splitpath checks the plain cases; here stay a few of
+// them and those it is not asked about.
 TEST(SplitPathTest, SplitsAsTheRuntimeDoes) {
-  const SplitCase cases[] = {
-      {"C:\\a\\b.dwg", "C:", "\\a\\", "b", ".dwg"},
-      {"\\\\server\\share\\x.dwg", "", "\\\\server\\share\\", "x", ".dwg"},
-      {"rel\\x", "", "rel\\", "x", ""},
-      {"x", "", "", "x", ""},
-      {"C:x", "C:", "", "x", ""},
-      {"C:", "C:", "", "", ""},
-      {"", "", "", "", ""},
-      {".hidden", "", "", "", ".hidden"},
-      {"C:\\d\\.hidden", "C:", "\\d\\", "", ".hidden"},
-      {"a.b.c.dwg", "", "", "a.b.c", ".dwg"},
-      {"name.", "", "", "name", "."},
-      {"..", "", "", ".", "."},
-      {"C:\\a.d\\b", "C:", "\\a.d\\", "b", ""},  // a dot in the directory is no extension
-      {"C:\\a\\", "C:", "\\a\\", "", ""},
-      {"C:\\a\\b\\\\", "C:", "\\a\\b\\\\", "", ""},
-      {"C:/a\\b/c.txt", "C:", "/a\\b/", "c", ".txt"},
-      {"/usr/x.y", "", "/usr/", "x", ".y"},
-      {"1:x", "1:", "", "x", ""},  // any byte before ':' makes a drive
-      {"ab:c", "", "", "ab:c", ""},
-      {std::string("C:\\a\0\\b", 7), "C:", "\\", "a", ""},
+  const struct {
+    std::string path;
+    std::string parts;  // drive|directory|name|extension
+  } cases[] = {
+      {"C:\\a\\b.dwg", "C:|\\a\\|b|.dwg"},
+      {"\\\\server\\share\\x.dwg", "|\\\\server\\share\\|x|.dwg"},
+      {"C:x", "C:||x|"},
+      {".hidden", "|||.hidden"},
+      {"C:\\d\\.hidden", "C:|\\d\\||.hidden"},
+      {"..", "||.|."},
+      {"C:\\a\\b\\\\", "C:|\\a\\b\\\\||"},
+      {"/usr/x.y", "|/usr/|x|.y"},
+      {std::string("C:\\a\0\\b", 7), "C:|\\|a|"},
       // Code page 936: a trail byte 0x5C is part of its character, not a separator.
-      {kTrailBackslash, "", "", kTrailBackslash, ""},
-      {"C:\\" + kTrailBackslash + "\\x.dwg", "C:", "\\" + kTrailBackslash + "\\", "x", ".dwg"},
-      {"C:\\a\\" + kTrailBackslash + ".dwg", "C:", "\\a\\", kTrailBackslash, ".dwg"},
-      {"C:\\a\\" + kTrailBackslash + "x", "C:", "\\a\\", kTrailBackslash + "x", ""},
-      {"a" + kTrailDot + "b", "", "", "a" + kTrailDot + "b", ""},
-      {"C:\\图纸\\平面图.dwg", "C:", "\\图纸\\", "平面图", ".dwg"},
+      {kTrailBackslash, "||" + kTrailBackslash + "|"},
+      {"C:\\" + kTrailBackslash + "\\x.dwg", "C:|\\" + kTrailBackslash + "\\|x|.dwg"},
+      {"C:\\a\\" + kTrailBackslash + ".dwg", "C:|\\a\\|" + kTrailBackslash + "|.dwg"},
+      {"C:\\a\\" + kTrailBackslash + "x", "C:|\\a\\|" + kTrailBackslash + "x|"},
+      {"a" + kTrailDot + "b", "||a" + kTrailDot + "b|"},
+      {"C:\\图纸\\平面图.dwg", "C:|\\图纸\\|平面图|.dwg"},
   };
-  for (const auto& c : cases) {
-    PathParts parts = SplitPath(c.path);
-    EXPECT_EQ(parts.drive, c.drive) << c.path;
-    EXPECT_EQ(parts.directory, c.directory) << c.path;
-    EXPECT_EQ(parts.name, c.name) << c.path;
-    EXPECT_EQ(parts.extension, c.extension) << c.path;
-  }
+  for (const auto& c : cases) EXPECT_EQ(Joined(SplitPath(c.path)), c.parts) << c.path;
 }
 
 TEST(SplitPathTest, CutsEachPieceToItsBufferSize) {
@@ -66,10 +50,8 @@ TEST(SplitPathTest, CutsEachPieceToItsBufferSize) {
   EXPECT_EQ(parts.directory, longDir.substr(0, kMaxDirectory - 1));
   EXPECT_EQ(parts.name, longName.substr(0, kMaxName - 1));
   EXPECT_EQ(parts.extension, longExt.substr(0, kMaxExtension - 1));
-
   // Exactly at the limits nothing is lost.
-  const std::string fitDir = "\\" + std::string(257, 'd') + "\\";
-  parts = SplitPath(fitDir + std::string(255, 'n') + "." + std::string(254, 'e'));
+  parts = SplitPath("\\" + std::string(257, 'd') + "\\" + std::string(255, 'n') + "." + std::string(254, 'e'));
   EXPECT_EQ(parts.directory.size(), 259u);
   EXPECT_EQ(parts.name.size(), 255u);
   EXPECT_EQ(parts.extension.size(), 255u);
@@ -77,8 +59,7 @@ TEST(SplitPathTest, CutsEachPieceToItsBufferSize) {
 
 TEST(SplitPathTest, DoublesBackslashCharactersOnly) {
   const struct {
-    std::string in;
-    std::string out;
+    std::string in, out;
   } cases[] = {
       {"C:\\a\\b.dwg", "C:\\\\a\\\\b.dwg"},
       {"\\\\server\\x", "\\\\\\\\server\\\\x"},

@@ -14,7 +14,8 @@ constexpr const char* kRoot = "Software\\Morvane\\Tavlet\\2.0 - R16";
 TEST(FileHive, TextFormRoundTripsEveryKindOfValue) {
   RegistryTree tree;
   const std::string key = std::string(kRoot) + "\\工作集";
-  tree.Set(key, "路径", kRegSz, std::string("C:\\表\\\"q\"\n\t;%\0", 15));
+  const std::string awkward("C:\\表\\\"q\"\n\t;%\0", 15);
+  tree.Set(key, "路径", kRegSz, awkward);
   tree.Set(key, "", kRegSz, std::string("default\0", 8));
   tree.Set(kRoot, "TipWidth", kRegDword, std::string("\x2C\x01\0\0", 4));
   tree.Set(kRoot, "LabelFont", kRegBinary, std::string(60, '\xF4'));
@@ -34,11 +35,11 @@ TEST(FileHive, TextFormRoundTripsEveryKindOfValue) {
   EXPECT_NE(back.Find(std::string(kRoot) + "\\empty", false), nullptr);
   RegValue v;
   ASSERT_TRUE(back.Query(key, "路径", v));
-  EXPECT_EQ(v.bytes, std::string("C:\\表\\\"q\"\n\t;%\0", 15));
+  EXPECT_EQ(v.bytes, awkward);
   ASSERT_TRUE(back.Query(kRoot, "SzWithNuls", v));
   EXPECT_EQ(v.type, kRegSz);
   EXPECT_EQ(v.bytes, std::string("a\0b\0", 4));
-  ASSERT_TRUE(back.Query(std::string(kRoot) + "\\KEY]%", "N", v));
+  EXPECT_TRUE(back.Query(std::string(kRoot) + "\\KEY]%", "N", v));
 }
 
 // Damaged files yield an empty hive, and the file is kept aside before a new one goes
@@ -56,11 +57,12 @@ TEST(FileHive, DamagedFileGivesDefaultsAndIsKeptAside) {
       "",
   };
   for (const std::string& damaged : cases) {
+    SCOPED_TRACE(damaged);
     MemoryFileSystem files;
     files.AddFile(kHive, damaged);
     FileHive hive(files, kHive);
     SettingsStore store(hive, "Software\\M");
-    EXPECT_EQ(store.GetInt("", "A", 77), 77) << damaged;
+    EXPECT_EQ(store.GetInt("", "A", 77), 77);
     EXPECT_FALSE(hive.LoadProblem().empty());
     // The read created the key, so the hive was written, after the old file went aside.
     EXPECT_EQ(hive.KeptAsidePath(), std::string(kHive) + ".corrupt-1");
@@ -70,45 +72,41 @@ TEST(FileHive, DamagedFileGivesDefaultsAndIsKeptAside) {
     EXPECT_EQ(SettingsStore(reread, "Software\\M").GetInt("", "A", 77), 6);
     EXPECT_TRUE(reread.LoadProblem().empty());
   }
-}
-
-TEST(FileHive, KeptAsideNamesDoNotOverwriteEarlierOnes) {
   MemoryFileSystem files;
   files.AddFile(std::string(kHive) + ".corrupt-1", "first");
   files.AddFile(kHive, "second");
   FileHive hive(files, kHive);
   EXPECT_TRUE(hive.SetValue("K", "v", kRegSz, std::string("x\0", 2)));
-  EXPECT_EQ(files.Contents(std::string(kHive) + ".corrupt-1"), "first");
+  EXPECT_EQ(files.Contents(std::string(kHive) + ".corrupt-1"), "first");  // earlier ones are not overwritten
   EXPECT_EQ(files.Contents(std::string(kHive) + ".corrupt-2"), "second");
 }
 
-TEST(FileHive, UnreadableFileIsNeverOverwritten) {
+TEST(FileHive, WritesThatCannotBeMadeChangeNothing) {
   MemoryFileSystem files;
-  files.AddFile(kHive, "TavletHive 1\n[S]\n\"A\"=dword:00000005\n# end\n");
-  files.FailPath(kHive, FileError::SharingViolation);
-  FileHive hive(files, kHive);
-  SettingsStore store(hive, "S");
-  EXPECT_EQ(store.GetInt("", "A", 1), 1);
-  EXPECT_FALSE(store.SetInt("", "A", 2));
+  const std::string locked = "TavletHive 1\n[S]\n\"A\"=dword:00000005\n# end\n";
+  files.AddFile("C:\\Data\\locked.hive", locked);
+  files.FailPath("C:\\Data\\locked.hive", FileError::SharingViolation);
+  FileHive unreadable(files, "C:\\Data\\locked.hive");
+  SettingsStore lockedStore(unreadable, "S");
+  EXPECT_EQ(lockedStore.GetInt("", "A", 1), 1);
+  EXPECT_FALSE(lockedStore.SetInt("", "A", 2));  // what can't be read is never overwritten
   files.ClearFailures();
-  EXPECT_EQ(files.Contents(kHive), "TavletHive 1\n[S]\n\"A\"=dword:00000005\n# end\n");
-}
+  EXPECT_EQ(files.Contents("C:\\Data\\locked.hive"), locked);
 
-TEST(FileHive, FailedWriteChangesNothingOnDiskOrInMemory) {
-  MemoryFileSystem files;
-  FileHive hive(files, kHive);
+  MemoryFileSystem fresh;
+  FileHive hive(fresh, kHive);
   SettingsStore store(hive, kRoot);
   ASSERT_TRUE(store.SetInt("", "TipWidth", 400));  // creates C:\Data on the way
-  const auto before = files.Contents(kHive);
+  const auto before = fresh.Contents(kHive);
   ASSERT_TRUE(before.has_value());
-  files.FailOn(MemoryFileSystem::Op::WriteFileAtomic);
+  fresh.FailOn(MemoryFileSystem::Op::WriteFileAtomic);
   EXPECT_FALSE(store.SetInt("", "TipWidth", 500));
-  EXPECT_EQ(files.Contents(kHive), before);
+  EXPECT_EQ(fresh.Contents(kHive), before);
   EXPECT_EQ(store.GetInt("", "TipWidth", 0), 400);
-  files.FailOn(MemoryFileSystem::Op::WriteFileAtomic);
+  fresh.FailOn(MemoryFileSystem::Op::WriteFileAtomic);
   EXPECT_EQ(store.GetInt("NewSection", "X", 3), 3);  // the key can't be kept: a default
   EXPECT_FALSE(hive.KeyExists(std::string(kRoot) + "\\NewSection"));
-  EXPECT_EQ(files.Contents(kHive), before);
+  EXPECT_EQ(fresh.Contents(kHive), before);
 }
 
 TEST(FileHive, CleanHiveLeavesTheListedKeysInTheFile) {

@@ -25,143 +25,70 @@ std::string Show(const char* buffer, std::uint32_t size) {
   return out;
 }
 
-// Reads of the string family, each against the platform's answer for the same file.
-TEST(ProfileEngine, StringReadsFollowThePlatform) {
-  struct Case {
-    const char* file;
-    const char* section;
-    const char* key;
-    const char* expected;
-  };
-  const Case cases[] = {
-      {"[a]\nx=1\n[A]\ny=2\nx=9\n", "a", "y", "D"},          // only the first "a" is searched
-      {"[a]\nx=1\n[A]\ny=2\nx=9\n", "A", "x", "1"},
-      {"[a]\nx=1\ny=2\nx=3\n", "a", "x", "1"},                // first of duplicate keys
-      {"[a]\nnoeq\n", "a", "noeq", "D"},                      // a line without "=" has no value
-      {"[a]\n;c=1\n#h=2\n", "a", ";c", "1"},                  // comments are found by name
-      {"[a]\n k = v \n", "a", "K", "v"},
-      {"[a]\n=e\n", "a", "", "e"},
-      {"[ s ]\nq=1\n", " s ", "q", "1"},
-      {"[ s ]\nq=1\n", "S", " q ", "1"},
-      {"[a]\n[abc\nw=2\n", "a", "w", "2"},                    // "[abc" without "]" is a key
-      {"top=1\n[a]\n", "", "top", "1"},
-      {"[a]\nx=1\n[]\ny=2\n", "", "y", "D"},
-      {"[a]\nq='x'\n", "a", "q", "x"},
-      {"[a]\nq=\"x\"\n", "a", "q", "x"},
-      {"[a]\nq=\"x\n", "a", "q", "\"x"},
-      {"[a]\nq=\"\n", "a", "q", "\""},
-      {"[a]\nq='x\"\n", "a", "q", "'x\""},
-      {"[a]\nq=\"\"\n", "a", "q", ""},
-      {"[a]\nq= \" x \" \n", "a", "q", " x "},
-      {"[a]\nx=1\x1a\n", "a", "x", "1"},
-      {"[a]\n\xA1\xA1y=2\n", "a", "y", "D"},                  // a full-width blank is no blank
-      {"[a]\rx=1\ry=2\r", "a", "y", "2"},
-      {"[a]\nk=v", "a", "k", "v"},  // stands for the file with a NUL byte below
-      {"[a]\nk=v", "b", "z", "2"},
-      {"[文件]\n路径=C:\\表\n", "文件", "路径", "C:\\表"},
-      {"", "a", "x", "D"},
-  };
-  for (const Case& c : cases) {
-    std::string bytes = c.file;
-    if (bytes == "[a]\nk=v") bytes = std::string("[a]\nk=v\0w=1\n[b]\nz=2\n", 21);
-    const profile::Document d = profile::Parse(bytes);
-    char buffer[64] = {};
-    profile::GetString(d, c.section, c.key, "D", buffer, sizeof buffer);
-    EXPECT_STREQ(buffer, c.expected) << c.file << " [" << c.section << "] " << c.key;
-  }
-}
-
-TEST(ProfileEngine, ListsFollowThePlatform) {
-  const profile::Document d =
-      profile::Parse("[a]\nnoeq\n;c=1\n#h=2\n k = v \n=e\n[ s ]\nq=1\n[abc\nw=2\n");
-  char buffer[256] = {};
-  std::uint32_t n = profile::GetSection(d, "a", buffer, sizeof buffer);
-  EXPECT_EQ(n, 17u);
-  EXPECT_EQ(Show(buffer, n + 1), "noeq|#h=2|k=v|=e||");
-  n = profile::GetKeyList(d, "a", "D", buffer, sizeof buffer);
-  EXPECT_EQ(n, 6u);
-  EXPECT_EQ(Show(buffer, n + 1), "#h|k|||");
-  n = profile::GetSectionNames(d, buffer, sizeof buffer);
-  EXPECT_EQ(n, 4u);
-  EXPECT_EQ(Show(buffer, n + 1), "a|s||");
-  n = profile::GetKeyList(profile::Parse("[a]\n;c\n"), "a", "D", buffer, sizeof buffer);
-  EXPECT_EQ(Show(buffer, n + 1), "D|");
-}
-
-// Cuts at small buffers, byte for byte as the platform leaves them ('#' = untouched).
+// Cuts at small buffers, byte for byte as the platform leaves them ('#' = untouched;
+// the Wine differential test zero-fills its buffers, so only here are untouched
+// bytes told apart from written NULs).
 TEST(ProfileEngine, TruncationAtTheBufferFollowsThePlatform) {
-  struct Case {
-    const char* what;
+  const char* ascii = "[a]\nx=12345\ny=67\n[bb]\n[ccc]\n";
+  const char* cp936 = "[中]\n文=中文\nk=v\n[文文]\n";
+  const char* quoted = "[a]\nx=\"abcd\"\nc=中文中\n";
+  const struct {
+    std::string what;
     const char* file;
     std::uint32_t size;
     const char* expected;
     std::uint32_t ret;
-  };
-  const char* ascii = "[a]\nx=12345\ny=67\n[bb]\n[ccc]\n";
-  const char* cp936 = "[中]\n文=中文\nk=v\n[文文]\n";
-  const char* quoted = "[a]\nx=\"abcd\"\nc=中文中\n";
-  const Case cases[] = {
-      {"sec", ascii, 1, "|", 0},       {"sec", ascii, 2, "||", 0},
-      {"sec", ascii, 3, "x||", 1},     {"sec", ascii, 5, "x=1||", 3},
+  } cases[] = {
+      {"sec", ascii, 1, "|", 0},        {"sec", ascii, 2, "||", 0},
+      {"sec", ascii, 3, "x||", 1},      {"sec", ascii, 5, "x=1||", 3},
       {"sec", ascii, 8, "x=1234||", 6}, {"sec", ascii, 9, "x=12345||", 7},
-      {"names", ascii, 2, "|#", 0},    {"names", ascii, 3, "a|#", 1},
-      {"names", ascii, 4, "a||#", 2},  {"names", ascii, 5, "a|b|#", 3},
+      {"names", ascii, 2, "|#", 0},     {"names", ascii, 3, "a|#", 1},
+      {"names", ascii, 4, "a||#", 2},   {"names", ascii, 5, "a|b|#", 3},
       {"names", ascii, 8, "a|bb|c|#", 6},
-      {"str", ascii, 1, "|", 0},       {"str", ascii, 4, "123|", 3},
+      {"str", ascii, 1, "|", 0},        {"str", ascii, 4, "123|", 3},
       {"str", ascii, 7, "12345|#", 5},
-      {"keys", ascii, 2, "D|", 1},     {"keys", ascii, 3, "x|#", 1},
-      {"keys", ascii, 4, "x||#", 2},   {"keys", ascii, 5, "x|y|#", 3},
-      {"csec", cp936, 3, "CE||", 1},   {"csec", cp936, 4, "CEC4||", 2},
+      {"keys", ascii, 2, "D|", 1},      {"keys", ascii, 3, "x|#", 1},
+      {"keys", ascii, 4, "x||#", 2},    {"keys", ascii, 5, "x|y|#", 3},
+      {"csec", cp936, 3, "CE||", 1},    {"csec", cp936, 4, "CEC4||", 2},
       {"csec", cp936, 9, "CEC4=D6D0CEC4||", 7},
       {"csec", cp936, 10, "CEC4=D6D0CEC4|||", 8},
       {"csec", cp936, 12, "CEC4=D6D0CEC4|k=||", 10},
-      {"ckeys", cp936, 3, "CEC4|", 2}, {"ckeys", cp936, 7, "CEC4|k||#", 5},
-      {"cnames", cp936, 3, "D6D0|", 1}, {"cnames", cp936, 5, "D6D0|#|", 3},
-      {"qstr", quoted, 5, "abc|#", 3}, {"qstr", quoted, 6, "abcd|#", 4},
-      {"cstr", quoted, 2, "#|", 1},    {"cstr", quoted, 4, "D6D0#|", 3},
+      {"ckeys", cp936, 3, "CEC4|", 2},  {"ckeys", cp936, 7, "CEC4|k||#", 5},
+      {"names", cp936, 3, "D6D0|", 1},  {"names", cp936, 5, "D6D0|#|", 3},
+      {"str", quoted, 5, "abc|#", 3},   {"str", quoted, 6, "abcd|#", 4},
+      {"cstr", quoted, 2, "#|", 1},     {"cstr", quoted, 4, "D6D0#|", 3},
       {"cstr", quoted, 5, "D6D0CEC4|", 4},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what + " " + std::to_string(c.size));
     const profile::Document d = profile::Parse(c.file);
     char buffer[64];
     std::memset(buffer, '#', sizeof buffer);
-    const std::string what = c.what;
     std::uint32_t ret = 0;
-    if (what == "sec") ret = profile::GetSection(d, "a", buffer, c.size);
-    if (what == "csec") ret = profile::GetSection(d, "中", buffer, c.size);
-    if (what == "names" || what == "cnames") ret = profile::GetSectionNames(d, buffer, c.size);
-    if (what == "str" || what == "qstr") ret = profile::GetString(d, "a", "x", "D", buffer, c.size);
-    if (what == "cstr") ret = profile::GetString(d, "a", "c", "D", buffer, c.size);
-    if (what == "keys") ret = profile::GetKeyList(d, "a", "D", buffer, c.size);
-    if (what == "ckeys") ret = profile::GetKeyList(d, "中", "D", buffer, c.size);
-    EXPECT_EQ(Show(buffer, c.size), c.expected) << what << " " << c.size;
-    EXPECT_EQ(ret, c.ret) << what << " " << c.size;
+    if (c.what == "sec") ret = profile::GetSection(d, "a", buffer, c.size);
+    if (c.what == "csec") ret = profile::GetSection(d, "中", buffer, c.size);
+    if (c.what == "names") ret = profile::GetSectionNames(d, buffer, c.size);
+    if (c.what == "str") ret = profile::GetString(d, "a", "x", "D", buffer, c.size);
+    if (c.what == "cstr") ret = profile::GetString(d, "a", "c", "D", buffer, c.size);
+    if (c.what == "keys") ret = profile::GetKeyList(d, "a", "D", buffer, c.size);
+    if (c.what == "ckeys") ret = profile::GetKeyList(d, "中", "D", buffer, c.size);
+    EXPECT_EQ(Show(buffer, c.size), c.expected);
+    EXPECT_EQ(ret, c.ret);
   }
 }
 
-TEST(ProfileEngine, IntegersParseAsThePlatformDoes) {
-  const profile::Document d = profile::Parse(
-      "[a]\ni1=0x10\ni2=0X10\ni3= -5\ni4=+7\ni5=12abc\ni6=abc\ni7=\ni8=4294967295\n"
-      "i9=99999999999\ni10=0b101\ni11=0o17\ni12=\"42\"\ni13=010\n");
-  const std::pair<const char*, int> cases[] = {
-      {"i1", 16}, {"i2", 0},  {"i3", -5},         {"i4", 7},   {"i5", 12},  {"i6", 0},  {"i7", 77},
-      {"i8", -1}, {"i9", 1215752191}, {"i10", 5}, {"i11", 15}, {"i12", 42}, {"i13", 10}, {"none", 77}};
-  for (auto [key, expected] : cases)
-    EXPECT_EQ(static_cast<int>(profile::GetInt(d, "a", key, 77)), expected) << key;
-}
-
+// Only here is a struct read with a size below the stored one.
 TEST(ProfileEngine, StructsAreHexWithAChecksum) {
-  const unsigned char data[3] = {1, 0xAB, 0x20};
-  EXPECT_EQ(profile::StructText(data, 3), "01AB20CC");
   const profile::Document d =
       profile::Parse("[a]\ns=01ab20cc\nt=01AB20CD\nu=01AB20CCx\nv=01AB20C\nw=\"01AB20CC\"\ng=01AB2GCC\n");
-  struct Case {
+  const unsigned char data[3] = {1, 0xAB, 0x20};
+  EXPECT_EQ(profile::StructText(data, 3), "01AB20CC");
+  const struct {
     const char* key;
     std::uint32_t size;
     bool ok;
     const char* filled;
-  };
-  const Case cases[] = {
+  } structs[] = {
       {"s", 3, true, "01AB20"},
       {"s", 2, false, "01AB00"},  // decoded, then the checksum "20" fails
       {"t", 3, false, "01AB20"},  // filled although the checksum fails
@@ -170,7 +97,7 @@ TEST(ProfileEngine, StructsAreHexWithAChecksum) {
       {"w", 3, false, "000000"},  // a quote is neither letter nor digit: untouched
       {"g", 3, false, "01AB30"},  // a "G" is decoded as if it were a digit
       {"missing", 3, false, "000000"}};
-  for (const Case& c : cases) {
+  for (const auto& c : structs) {
     unsigned char out[3] = {};
     EXPECT_EQ(profile::GetStruct(d, "a", c.key, out, c.size), c.ok) << c.key;
     char hex[8];
@@ -179,55 +106,25 @@ TEST(ProfileEngine, StructsAreHexWithAChecksum) {
   }
 }
 
-// Writes, each against the file the platform leaves.
+// Writes the differential test under Wine does not make, each against the file the
+// platform leaves.
 TEST(ProfileFileWrites, FilesComeOutAsThePlatformWritesThem) {
-  struct Case {
-    const char* before;
-    const char* after;
+  const struct {
+    const char *before, *after;
     std::function<void(ProfileFile&)> write;
-  };
-  const Case cases[] = {
-      {"[a]\r\nx=1\r\n\r\n[b]\r\ny=2\r\n", "[a]\r\nx=1\r\nz=3\r\n[b]\r\ny=2\r\n",
-       [](ProfileFile& f) { f.WriteString("a", "z", "3"); }},
-      {"[a]\nx=1\n\n\n[b]\ny=2", "[a]\r\nx=1\r\n[b]\r\ny=2\r\nz=3\r\n",
-       [](ProfileFile& f) { f.WriteString("b", "z", "3"); }},
-      {"[a]\nx=1\n[A]\ny=2\n", "[a]\r\nx=1\r\ny=5\r\n[A]\r\ny=2\r\n",
-       [](ProfileFile& f) { f.WriteString("a", "y", "5"); }},
-      {"[a]\nx=1\n", "[a]\r\nx=1\r\nv=lead trail\r\n[n]\r\nk=v\r\n",
-       [](ProfileFile& f) {
-         f.WriteString("a", "v", "  lead trail  ");
-         f.WriteString("n", "k", "v");
-       }},
-      {"[a]\nx=1\n;c\n\n[b]\ny=2\n", "[a]\r\nx=1\r\n;c\r\nnew=v\r\n[b]\r\ny=2\r\n",
-       [](ProfileFile& f) { f.WriteString("a", "new", "v"); }},
-      {"[a]\nx=1\n[b]\ny=2\n", "[a]\r\n[b]\r\ny=2\r\n", [](ProfileFile& f) { f.ClearSection("a"); }},
-      {"[a]\nx=1\n[b]\ny=2\n", "[a]\r\nx=1\r\n", [](ProfileFile& f) { f.DeleteSection("B"); }},
-      {"[a]\r\nx=1\r\n[b]\r\n", "[a]\r\nx=1\r\n[b]\r\n", [](ProfileFile& f) { f.ClearSection("c"); }},
-      {"[a]\nx=1\n", "[a]\nx=1\n", [](ProfileFile& f) { f.WriteString("a", "x", "1"); }},
-      {"[a]\nx=1\n", "[a]\r\nx=2\r\n", [](ProfileFile& f) { f.WriteString("A", "X", "2"); }},
-      {"[a]\nx=1\n", "[a]\r\nx=v \r\n", [](ProfileFile& f) { f.WriteString(" a ", " x ", "v "); }},
-      {"[a]\r\nx=1\r\ny=2\r\nx=3\r\n", "[a]\r\nx=9\r\ny=2\r\nx=3\r\n",
-       [](ProfileFile& f) { f.WriteString("a", "x", "9"); }},
+  } cases[] = {
       {"[a]\nx=1\n", "[a]\r\nx=1\r\nk=a\r\nb\r\n", [](ProfileFile& f) { f.WriteString("a", "k", "a\r\nb"); }},
       {"[a]\nx=1\n", "[a]\r\nx=1\r\n[s]\r\nb=True\r\ni=-12\r\nd=0.125\r\nt=01AB20CC\r\n",
        [](ProfileFile& f) {
          const unsigned char data[3] = {1, 0xAB, 0x20};
-         f.WriteBool("s", "b", true);
-         f.WriteInt("s", "i", -12);
-         f.WriteDouble("s", "d", 0.125);
-         f.WriteStruct("s", "t", data, 3);
+         f.WriteBool("s", "b", true) && f.WriteInt("s", "i", -12) && f.WriteDouble("s", "d", 0.125) &&
+             f.WriteStruct("s", "t", data, 3);
        }},
       {"[a]\nx=1\ny=\n", "[a]\r\ny=\r\n", [](ProfileFile& f) { f.WriteString("a", "x", ""); }},
-      {"[A]\nx=1\n[b]\n", "[A]\r\nx=1\r\n[b]\r\n[c]\r\nx=1\r\n", [](ProfileFile& f) { f.CopySection("a", "c"); }},
-      {"[A]\nx=1\n[b]\n", "[b]\r\n[c]\r\nx=1\r\n", [](ProfileFile& f) { f.RenameSection("a", "c"); }},
       {"[A]\nx=1\n", "[A]\nx=1\n", [](ProfileFile& f) { f.RenameSection("A", "a"); }},
       {"[a]\nx=1\n", "[a]\r\nx=1\r\n[e]\r\n", [](ProfileFile& f) { f.EnsureSection("e"); }},
-      // The nameless "[]" section is written without a header, so after the copy its
-      // entry belongs to "a" and goes with it.
-      {"top=1\nalso\n[a]\nx=1\n[]\ny=2\n", "top=1\r\nalso\r\n[renamed]\r\nx=1\r\n",
-       [](ProfileFile& f) { f.RenameSection("a", "renamed"); }},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     MemoryFileSystem files;
     files.AddFile(kIni, c.before);
     ProfileFile file(files, kIni, /*removeEmptyValues=*/true);
@@ -239,8 +136,11 @@ TEST(ProfileFileWrites, FilesComeOutAsThePlatformWritesThem) {
 TEST(ProfileFileReads, WhatWasWrittenReadsBackAsTheFileHasIt) {
   MemoryFileSystem files;
   files.AddFolder("C:\\Data");
-  ProfileFile f(files, kIni);
-  ASSERT_TRUE(f.WriteString("s", "k", "v  "));
+  ProfileFile f(files, kIni, true);
+  EXPECT_EQ(f.GetString("s", "k", "D"), "D");
+  EXPECT_TRUE(f.WriteString("s", "k", ""));  // removing from nothing writes nothing
+  EXPECT_FALSE(files.Stat(kIni).exists);
+  ASSERT_TRUE(f.WriteString("s", "k", "v  "));  // the first write creates the file
   ASSERT_TRUE(f.WriteString("s", "[odd", "x"));
   ASSERT_TRUE(f.WriteString("s", "two\r\nlines", "y"));
   // The later writes start from the file as read back, where the blanks are gone.
@@ -257,12 +157,12 @@ TEST(ProfileFileReads, WrapperOperations) {
                 "[s]\nb1=TRUE\nb2=1\nb3=Yes\nb4=true \nd1=2.5e1\nd2=\nd3=abc\nnoeq\n"
                 "文件1=C:\\a.dwg,0\n文件1=dup\n[t]\n");
   ProfileFile f(files, kIni);
-  EXPECT_TRUE(f.GetBool("s", "b1", false));
-  EXPECT_TRUE(f.GetBool("s", "b2", false));
-  EXPECT_FALSE(f.GetBool("s", "b3", true));
-  EXPECT_TRUE(f.GetBool("s", "b4", false));
-  EXPECT_TRUE(f.GetBool("s", "missing", true));
-  EXPECT_FALSE(f.GetBool("s", "missing", false));
+  const struct {
+    const char* key;
+    bool def, expected;
+  } bools[] = {{"b1", false, true}, {"b2", false, true}, {"b3", true, false},
+               {"b4", false, true}, {"missing", true, true}, {"missing", false, false}};
+  for (const auto& c : bools) EXPECT_EQ(f.GetBool("s", c.key, c.def), c.expected) << c.key;
   EXPECT_DOUBLE_EQ(f.GetDouble("s", "d1", 0), 25);
   EXPECT_DOUBLE_EQ(f.GetDouble("s", "d2", 7), 7);
   EXPECT_DOUBLE_EQ(f.GetDouble("s", "d3", 7), 0);
@@ -283,42 +183,32 @@ TEST(ProfileFileReads, WrapperOperations) {
   EXPECT_FALSE(f.CopySection("t", "u"));  // an empty source copies nothing
 }
 
-TEST(ProfileFileReads, StringsAreCutAtTheBuffer) {
-  MemoryFileSystem files;
-  files.AddFile(kIni, "[s]\nlong=" + std::string(2500, 'x') + "\nwide=" + std::string(2400, '\xD6') + "\n");
-  ProfileFile f(files, kIni);
-  EXPECT_TRUE(f.GetString("s", "long") == std::string(1999, 'x'));
-  // 1200 characters fit in the buffer's 1999 characters, but only 999 of them in its
-  // 1999 bytes.
-  EXPECT_TRUE(f.GetString("s", "wide") == std::string(1998, '\xD6'));
-}
-
-TEST(ProfileFileReads, SectionsAreCutAtTheirBuffers) {
+TEST(ProfileFileReads, SectionsAndNamesAreCutAtTheirBuffers) {
   MemoryFileSystem files;
   std::string text = "[big]\n";
   for (int i = 1; i <= 2000; ++i) text += "文件" + std::to_string(i) + "=C:\\dwg\\" + std::to_string(i) + ".dwg,0\n";
   for (int i = 0; i < 200; ++i) text += "[section number " + std::to_string(i) + "]\n";
   files.AddFile(kIni, text);
   ProfileFile f(files, kIni);
-  std::vector<std::string> lines;
+  std::vector<std::string> lines, names;
   f.GetSectionLines("big", lines);
-  std::size_t bytes = 0;
-  for (const std::string& line : lines) bytes += line.size() + 1;
-  EXPECT_LE(bytes, 32000u);
-  EXPECT_GT(bytes, 31900u);
-  std::vector<std::string> names;
   f.GetSectionNames(names);
-  std::size_t nameBytes = 0;
-  for (const std::string& name : names) nameBytes += name.size() + 1;
-  EXPECT_LE(nameBytes, 2000u);
+  const auto bytes = [](const std::vector<std::string>& list) {
+    std::size_t sum = 0;
+    for (const std::string& item : list) sum += item.size() + 1;
+    return sum;
+  };
+  EXPECT_LE(bytes(lines), 32000u);
+  EXPECT_GT(bytes(lines), 31900u);
+  EXPECT_LE(bytes(names), 2000u);
   EXPECT_GT(names.size(), 90u);
-  EXPECT_LT(names.size(), 200u);
 }
 
 TEST(ProfileFileBadInput, ReadsGiveDefaultsAndFailedWritesChangeNothing) {
   MemoryFileSystem files;
   files.AddFile("C:\\Data\\nul.ini", std::string("[a]\nk=v\0w=1\n\0\0[b]\nz=2\n", 23));
-  files.AddFile("C:\\Data\\huge.ini", "[a]\nk=" + std::string(10 * 1024 * 1024, 'h') + "\n[b]\nz=2\n");
+  files.AddFile("C:\\Data\\huge.ini", "[a]\nk=" + std::string(10 * 1024 * 1024, 'h') + "\nwide=" +
+                                          std::string(2400, '\xD6') + "\n[b]\nz=2\n");
   files.AddFile("C:\\Data\\ro.ini", "[a]\nk=v\n", /*readOnly=*/true);
 
   ProfileFile nul(files, "C:\\Data\\nul.ini");
@@ -329,7 +219,10 @@ TEST(ProfileFileBadInput, ReadsGiveDefaultsAndFailedWritesChangeNothing) {
   EXPECT_EQ(nul.GetInt("a", "z", 5), 2);
 
   ProfileFile huge(files, "C:\\Data\\huge.ini");
-  EXPECT_EQ(huge.GetString("a", "k").size(), 1999u);
+  EXPECT_TRUE(huge.GetString("a", "k") == std::string(1999, 'h'));
+  // 1200 characters fit in the buffer's 1999 characters, but only 999 of them in its
+  // 1999 bytes.
+  EXPECT_TRUE(huge.GetString("a", "wide") == std::string(1998, '\xD6'));
   EXPECT_EQ(huge.GetString("b", "z"), "2");
 
   ProfileFile missing(files, "C:\\Nowhere\\x.ini");
@@ -341,7 +234,6 @@ TEST(ProfileFileBadInput, ReadsGiveDefaultsAndFailedWritesChangeNothing) {
   EXPECT_FALSE(readOnly.WriteString("a", "k", "changed"));
   EXPECT_FALSE(readOnly.DeleteSection("a"));
   EXPECT_EQ(files.Contents("C:\\Data\\ro.ini"), "[a]\nk=v\n");
-  EXPECT_EQ(readOnly.GetString("a", "k"), "v");
 
   files.AddFile(kIni, "[a]\nk=v\n");
   ProfileFile f(files, kIni);
@@ -354,17 +246,6 @@ TEST(ProfileFileBadInput, ReadsGiveDefaultsAndFailedWritesChangeNothing) {
   EXPECT_FALSE(f.WriteString("a", "k", "new"));  // what can't be read is never replaced
   files.ClearFailures();
   EXPECT_EQ(files.Contents(kIni), "[a]\nk=v\n");
-}
-
-TEST(ProfileFileMissing, FirstWriteCreatesTheFile) {
-  MemoryFileSystem files;
-  files.AddFolder("C:\\Data");
-  ProfileFile f(files, kIni, true);
-  EXPECT_EQ(f.GetString("s", "k", "D"), "D");
-  EXPECT_TRUE(f.WriteString("s", "k", ""));  // removing from nothing writes nothing
-  EXPECT_FALSE(files.Stat(kIni).exists);
-  EXPECT_TRUE(f.WriteString("s", "k", "v"));
-  EXPECT_EQ(files.Contents(kIni), "[s]\r\nk=v\r\n");
 }
 
 TEST(ProfileFileStream, CopiesTheStreamIntoAnOwnedTempFile) {
@@ -380,8 +261,7 @@ TEST(ProfileFileStream, CopiesTheStreamIntoAnOwnedTempFile) {
     EXPECT_EQ(f.GetInt("RESOURCES", "*.DWG", 0), 1);
   }
   EXPECT_FALSE(files.Stat(path).exists);
-  ProfileFile plain(files, kIni);
-  EXPECT_FALSE(plain.OwnsTempFile());
+  EXPECT_FALSE(ProfileFile(files, kIni).OwnsTempFile());
 }
 
 }  // namespace

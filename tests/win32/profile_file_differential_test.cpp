@@ -17,21 +17,17 @@
 namespace tavlet {
 namespace {
 
-std::string Folder() {
+// A new name for every file, so that the platform's own cache never answers.
+std::string NewPath() {
   static const std::string folder = [] {
     char temp[MAX_PATH] = {};
     GetTempPathA(MAX_PATH, temp);
-    std::string path = std::string(temp) + "tavlet_profile_diff\\";
+    const std::string path = std::string(temp) + "tavlet_profile_diff\\";
     CreateDirectoryA(path.c_str(), nullptr);
     return path;
   }();
-  return folder;
-}
-
-// A new name for every file, so that the platform's own cache never answers.
-std::string NewPath() {
   static int counter = 0;
-  return Folder() + "case" + std::to_string(++counter) + ".ini";
+  return folder + "case" + std::to_string(++counter) + ".ini";
 }
 
 std::string Put(const std::string& bytes) {
@@ -65,13 +61,12 @@ struct Shape {
 // Files of varied shape. Section and key names to ask for come from each file's own
 // headers and entries, in their spelling, in other letter case, padded, and missing.
 std::vector<Shape> Shapes() {
-  std::string longValue(2500, 'v');
-  std::string longName(300, 'n');
   std::string manyKeys = "[big]\r\n";
   for (int i = 1; i <= 1500; ++i)
     manyKeys += "文件" + std::to_string(i) + "=C:\\图纸\\第" + std::to_string(i) + "号.dwg,0\r\n";
   std::string manySections;
   for (int i = 0; i < 150; ++i) manySections += "[工作集 " + std::to_string(i) + "]\r\nk=v\r\n";
+  const std::string longName(300, 'n');
   return {
       {"plain", "[a]\r\nx=1\r\ny=two\r\n[b]\r\nz=3\r\n"},
       {"lf only", "[a]\nx=1\ny=two\n[b]\nz=3\n"},
@@ -82,21 +77,22 @@ std::vector<Shape> Shapes() {
       {"blank lines", "\n\n[a]\n\nx=1\n\n\ny=2\n\n[b]\n\n"},
       {"lines without equals", "[a]\nnoeq\nx=1\n  spaced words  \n[b]\nalone\n"},
       {"comments", "; head\n[a]\n;c=1\n#h=2\nx=1\n; tail\n[b]\n;only\n"},
-      {"blanks around", "  [ s ]  \n  k  =  v  \n\tt\t=\tw\t\n[t ]\nq =1\n"},
+      {"blanks around", "  [ s ]  \n  k  =  v  \n\tt\t=\tw\t\n\xA1\xA1y=2\n[t ]\nq =1\n"},
       {"quotes", "[a]\nq1='x'\nq2=\"x\"\nq3=\"x\nq4=\"\nq5='x\"\nq6=\"\"\nq7= \" x \" \nq8=\"a\"b\"\n"},
       {"integers", "[a]\ni1=0x10\ni2=0X10\ni3= -5\ni4=+7\ni5=12abc\ni6=abc\ni7=\ni8=4294967295\n"
                    "i9=99999999999\ni10=0b101\ni11=0o17\ni12=\"42\"\ni13=010\ni14=  \n"},
-      {"structs", "[a]\ns=01AB20CC\nt=01ab20cc\nu=01AB20CD\nv=01AB20CCx\nw=01AB20C\nx=\"01AB20CC\"\n"},
+      {"structs", "[a]\ns=01AB20CC\nt=01ab20cc\nu=01AB20CD\nv=01AB20CCx\nw=01AB20C\nx=\"01AB20CC\"\ng=01AB2GCC\n"},
       {"before any section", "top=1\nalso\n[a]\nx=1\n[]\ny=2\n"},
       {"header oddities", "[a\nk=1\n[b]]\nk=2\n[c] trailing\nk=3\n[]\nk=4\n"},
       {"code page 936 names", "[工作集]\r\n文件1=C:\\图纸\\表.dwg,0\r\n文件2=D:\\设计\\总图.dwg,1\r\n[图纸]\r\n路径=C:\\表\r\n"},
-      {"long values", "[a]\nlong=" + longValue + "\nwide=" + std::string(2400, '\xD6') + "\n"},
+      {"long values", "[a]\nlong=" + std::string(2500, 'v') + "\nwide=" + std::string(2400, '\xD6') + "\n"},
       {"long names", "[" + longName + "]\n" + longName + "=1\n"},
       {"many keys", manyKeys},
       {"many sections", manySections},
       {"ctrl-z and tabs", "[a]\nx=1\x1a\n\ty\t=\t2\t\n"},
       {"empty", ""},
       {"equals everywhere", "[a]\n=e\nk==v\nk2=a=b\n"},
+      {"nul bytes", std::string("[a]\nk=v\0w=1\n\0\0[b]\nz=2\n", 23)},
   };
 }
 
@@ -104,85 +100,75 @@ std::vector<std::string> SectionsToAsk(const profile::Document& document) {
   std::vector<std::string> names = {"missing", ""};
   for (const profile::Section& s : document.sections) {
     if (s.name.empty() || names.size() > 12) continue;
-    names.push_back(s.name);
     std::string upper = s.name;
     for (char& c : upper)
       if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 32);
-    names.push_back(upper);
-    names.push_back(" " + s.name + " ");
+    names.insert(names.end(), {s.name, upper, " " + s.name + " "});
   }
   return names;
 }
 
 std::vector<std::string> KeysToAsk(const profile::Document& document, const std::string& section) {
   std::vector<std::string> keys = {"missing", ""};
-  const profile::Section* s = profile::FindSection(document, section);
-  if (!s) return keys;
-  for (const profile::Entry& e : s->entries) {
-    if (keys.size() > 24) break;
-    keys.push_back(e.name);
-    keys.push_back(" " + e.name + " ");
-  }
+  if (const profile::Section* s = profile::FindSection(document, section))
+    for (const profile::Entry& e : s->entries)
+      if (keys.size() <= 24) keys.insert(keys.end(), {e.name, " " + e.name + " "});
   return keys;
 }
 
-int g_compared = 0;
-
-void CompareBuffers(const std::string& what, std::uint32_t size,
-                    const std::function<DWORD(char*, DWORD)>& platform,
-                    const std::function<std::uint32_t(char*, std::uint32_t)>& ours) {
+// Both buffers start zeroed: bytes one side leaves untouched and the other zeroes are
+// told apart by the engine's own tests, which fill the buffer first.
+void CompareBuffers(const std::string& what, std::uint32_t size, const std::function<DWORD(char*, DWORD)>& platform,
+                    const std::function<std::uint32_t(char*, std::uint32_t)>& ours, int& compared) {
   std::vector<char> theirs(size, 0), mine(size, 0);
   const DWORD theirReturn = platform(theirs.data(), size);
-  const std::uint32_t myReturn = ours(mine.data(), size);
-  ++g_compared;
-  EXPECT_EQ(myReturn, theirReturn) << what << " size " << size;
+  EXPECT_EQ(ours(mine.data(), size), theirReturn) << what << " size " << size;
   EXPECT_TRUE(mine == theirs) << what << " size " << size << "\n ours:     " << Show(mine)
                               << "\n platform: " << Show(theirs);
+  ++compared;
 }
 
 TEST(ProfileDifferential, ReadsMatchThePlatformOnEveryShape) {
-  g_compared = 0;
+  int compared = 0;
   for (const Shape& shape : Shapes()) {
     SCOPED_TRACE(shape.what);
     const std::string path = Put(shape.bytes);
     const char* file = path.c_str();
     const profile::Document document = profile::Parse(shape.bytes);
     for (std::uint32_t size : {2000u, 4u, 1u})
-      CompareBuffers("names", size,
-                     [&](char* b, DWORD n) { return GetPrivateProfileSectionNamesA(b, n, file); },
-                     [&](char* b, std::uint32_t n) { return profile::GetSectionNames(document, b, n); });
+      CompareBuffers(
+          "names", size, [&](char* b, DWORD n) { return GetPrivateProfileSectionNamesA(b, n, file); },
+          [&](char* b, std::uint32_t n) { return profile::GetSectionNames(document, b, n); }, compared);
     for (const std::string& section : SectionsToAsk(document)) {
       const char* s = section.c_str();
       for (std::uint32_t size : {32000u, 7u, 3u}) {
-        CompareBuffers("section [" + section + "]", size,
-                       [&](char* b, DWORD n) { return GetPrivateProfileSectionA(s, b, n, file); },
-                       [&](char* b, std::uint32_t n) { return profile::GetSection(document, section, b, n); });
-        CompareBuffers("keys [" + section + "]", size,
-                       [&](char* b, DWORD n) { return GetPrivateProfileStringA(s, nullptr, "D", b, n, file); },
-                       [&](char* b, std::uint32_t n) { return profile::GetKeyList(document, section, "D", b, n); });
+        CompareBuffers(
+            "section [" + section + "]", size, [&](char* b, DWORD n) { return GetPrivateProfileSectionA(s, b, n, file); },
+            [&](char* b, std::uint32_t n) { return profile::GetSection(document, section, b, n); }, compared);
+        CompareBuffers(
+            "keys [" + section + "]", size,
+            [&](char* b, DWORD n) { return GetPrivateProfileStringA(s, nullptr, "D", b, n, file); },
+            [&](char* b, std::uint32_t n) { return profile::GetKeyList(document, section, "D", b, n); }, compared);
       }
       for (const std::string& key : KeysToAsk(document, section)) {
+        const std::string what = "[" + section + "] " + key;
         const char* k = key.c_str();
-        for (std::uint32_t size : {2000u, 5u}) {
-          CompareBuffers("string [" + section + "] " + key, size,
-                         [&](char* b, DWORD n) { return GetPrivateProfileStringA(s, k, "dflt  ", b, n, file); },
-                         [&](char* b, std::uint32_t n) {
-                           return profile::GetString(document, section, key, "dflt  ", b, n);
-                         });
-        }
-        ++g_compared;
-        EXPECT_EQ(profile::GetInt(document, section, key, 77), GetPrivateProfileIntA(s, k, 77, file))
-            << "int [" << section << "] " << key;
+        for (std::uint32_t size : {2000u, 5u})
+          CompareBuffers(
+              "string " + what, size,
+              [&](char* b, DWORD n) { return GetPrivateProfileStringA(s, k, "dflt  ", b, n, file); },
+              [&](char* b, std::uint32_t n) { return profile::GetString(document, section, key, "dflt  ", b, n); },
+              compared);
+        EXPECT_EQ(profile::GetInt(document, section, key, 77), GetPrivateProfileIntA(s, k, 77, file)) << "int " << what;
         unsigned char mine[3] = {}, theirs[3] = {};
-        ++g_compared;
         EXPECT_EQ(profile::GetStruct(document, section, key, mine, 3),
                   GetPrivateProfileStructA(s, k, theirs, 3, file) != FALSE)
-            << "struct [" << section << "] " << key;
-        EXPECT_EQ(std::memcmp(mine, theirs, 3), 0) << "struct [" << section << "] " << key;
+            << "struct " << what;
+        EXPECT_EQ(std::memcmp(mine, theirs, 3), 0) << "struct " << what;
       }
     }
   }
-  EXPECT_GT(g_compared, 1000);
+  EXPECT_GT(compared, 1000);
 }
 
 // One write script, run through ProfileFile on one copy of a file and through the
@@ -193,21 +179,26 @@ struct Script {
   std::function<void(const char*)> platform;
 };
 
+Script Write(const char* what, const char* section, const char* key, const char* value) {
+  return {what, [=](ProfileFile& f) { f.WriteString(section, key, value); },
+          [=](const char* p) { WritePrivateProfileStringA(section, key, value, p); }};
+}
+
+// The platform has no copy: a section is read whole and written under the new name.
+void PlatformCopy(const char* p, const char* from, const char* to) {
+  std::vector<char> body(32767, 0);
+  if (GetPrivateProfileSectionA(from, body.data(), 32767, p) != 0) WritePrivateProfileSectionA(to, body.data(), p);
+}
+
 std::vector<Script> Scripts() {
   const unsigned char data[4] = {0, 0x7F, 0x80, 0xFF};
   return {
-      {"replace a value", [](ProfileFile& f) { f.WriteString("a", "x", "new"); },
-       [](const char* p) { WritePrivateProfileStringA("a", "x", "new", p); }},
-      {"same value", [](ProfileFile& f) { f.WriteString("a", "x", "1"); },
-       [](const char* p) { WritePrivateProfileStringA("a", "x", "1", p); }},
-      {"other case, blanks", [](ProfileFile& f) { f.WriteString(" A ", " X ", "  lead "); },
-       [](const char* p) { WritePrivateProfileStringA(" A ", " X ", "  lead ", p); }},
-      {"new key", [](ProfileFile& f) { f.WriteString("a", "added", "v"); },
-       [](const char* p) { WritePrivateProfileStringA("a", "added", "v", p); }},
-      {"new section", [](ProfileFile& f) { f.WriteString("新节", "文件1", "C:\\表.dwg,1"); },
-       [](const char* p) { WritePrivateProfileStringA("新节", "文件1", "C:\\表.dwg,1", p); }},
-      {"empty value", [](ProfileFile& f) { f.WriteString("a", "x", ""); },
-       [](const char* p) { WritePrivateProfileStringA("a", "x", "", p); }},
+      Write("replace a value", "a", "x", "new"),
+      Write("same value", "a", "x", "1"),
+      Write("other case, blanks", " A ", " X ", "  lead "),
+      Write("new key", "a", "added", "v"),
+      Write("new section", "新节", "文件1", "C:\\表.dwg,1"),
+      Write("empty value", "a", "x", ""),
       {"delete key", [](ProfileFile& f) { ProfileFile(NativeFileSystem(), f.Path(), true).WriteString("a", "x", ""); },
        [](const char* p) { WritePrivateProfileStringA("a", "x", nullptr, p); }},
       {"delete section", [](ProfileFile& f) { f.DeleteSection("a"); },
@@ -217,18 +208,13 @@ std::vector<Script> Scripts() {
       {"struct", [data](ProfileFile& f) { f.WriteStruct("a", "s", data, 4); },
        [data](const char* p) { WritePrivateProfileStructA("a", "s", const_cast<unsigned char*>(data), 4, p); }},
       {"copy section", [](ProfileFile& f) { f.CopySection("a", "copy"); },
-       [](const char* p) {
-         std::vector<char> body(32767, 0);
-         if (GetPrivateProfileSectionA("a", body.data(), 32767, p) != 0)
-           WritePrivateProfileSectionA("copy", body.data(), p);
-       }},
+       [](const char* p) { PlatformCopy(p, "a", "copy"); }},
       {"rename section", [](ProfileFile& f) { f.RenameSection("a", "renamed"); },
        [](const char* p) {
          std::vector<char> body(32767, 0);
-         if (GetPrivateProfileSectionA("a", body.data(), 32767, p) != 0) {
-           WritePrivateProfileSectionA("renamed", body.data(), p);
-           WritePrivateProfileSectionA("a", nullptr, p);
-         }
+         if (GetPrivateProfileSectionA("a", body.data(), 32767, p) == 0) return;
+         PlatformCopy(p, "a", "renamed");
+         WritePrivateProfileSectionA("a", nullptr, p);
        }},
   };
 }
@@ -247,10 +233,9 @@ TEST(ProfileDifferential, WritesLeaveTheSameFiles) {
       }
       script.platform(theirs.c_str());
       WritePrivateProfileStringA(nullptr, nullptr, nullptr, theirs.c_str());  // flush
-      const std::string ourBytes = Contents(mine);
       const std::string theirBytes = Contents(theirs);
+      EXPECT_TRUE(Contents(mine) == theirBytes) << "ours:\n" << Contents(mine) << "\nplatform:\n" << theirBytes;
       ++compared;
-      EXPECT_TRUE(ourBytes == theirBytes) << "ours:\n" << ourBytes << "\nplatform:\n" << theirBytes;
 
       // Each side reads the other's file the same way it reads its own.
       const profile::Document platformWritten = profile::Parse(theirBytes);
@@ -259,11 +244,10 @@ TEST(ProfileDifferential, WritesLeaveTheSameFiles) {
       GetPrivateProfileSectionNamesA(b.data(), 2000, mine.c_str());
       EXPECT_TRUE(a == b) << "names";
       for (const std::string& name : profile::SplitList(a.data(), 2000)) {
-        std::fill(a.begin(), a.end(), 0);
-        std::fill(b.begin(), b.end(), 0);
-        profile::GetSection(platformWritten, name, a.data(), 32000);
-        GetPrivateProfileSectionA(name.c_str(), b.data(), 32000, mine.c_str());
-        EXPECT_TRUE(a == b) << "section " << name;
+        std::vector<char> x(32000, 0), y(32000, 0);
+        profile::GetSection(platformWritten, name, x.data(), 32000);
+        GetPrivateProfileSectionA(name.c_str(), y.data(), 32000, mine.c_str());
+        EXPECT_TRUE(x == y) << "section " << name;
       }
     }
   }
