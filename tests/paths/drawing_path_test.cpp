@@ -52,15 +52,6 @@ TEST_F(DrawingPathTest, SettingLooksTheNameUpAndMarksFolders) {
   }
 }
 
-TEST_F(DrawingPathTest, LooksUpOnlyNamesTheSearchWouldAccept) {
-  DrawingPath path(fs);
-  path.Set("");
-  path.Set("C:\\dwg\\");
-  EXPECT_EQ(fs.CallCount(MemoryFileSystem::Op::Stat), 0);
-  path.Set("C:\\x" + kTrailBackslash);  // ends in a trail byte, not a separator
-  EXPECT_EQ(fs.CallCount(MemoryFileSystem::Op::Stat), 1);
-}
-
 TEST_F(DrawingPathTest, ResettingClearsWhatTheOldNameFound) {
   DrawingPath path("C:\\dwg\\sub", fs);
   path.readOnly = true;

@@ -8,8 +8,6 @@
 namespace tavlet {
 namespace {
 
-using Op = MemoryFileSystem::Op;
-
 TEST(MemoryFileSystemTest, MatchesNamesLikeWindows) {
   MemoryFileSystem fs;
   fs.AddFile("C:\\Dwg\\Plan.DWG", "x");
@@ -25,27 +23,6 @@ TEST(MemoryFileSystemTest, MatchesNamesLikeWindows) {
   std::vector<std::string> names;
   EXPECT_EQ(fs.ListFolder("c:\\", names), FileError::None);
   EXPECT_EQ(names, (std::vector<std::string>{"Dwg", "Temp", "a\x81\x5C", "\x81\x41"}));
-}
-
-TEST(MemoryFileSystemTest, InjectedFailuresHitTheChosenCallOrPathOnly) {
-  MemoryFileSystem fs;
-  fs.AddFile("C:\\s.ini", "v0");
-  fs.FailOn(Op::WriteFileAtomic, 2, FileError::SharingViolation);
-  EXPECT_EQ(fs.WriteFileAtomic("C:\\s.ini", "v1"), FileError::None);
-  EXPECT_EQ(fs.Stat("C:\\s.ini").size, 2u);  // other operations don't count
-  EXPECT_EQ(fs.WriteFileAtomic("C:\\s.ini", "v2"), FileError::SharingViolation);
-  EXPECT_EQ(fs.WriteFileAtomic("C:\\s.ini", "v3"), FileError::None);
-  EXPECT_EQ(fs.Contents("C:\\s.ini"), "v3");
-  EXPECT_EQ(fs.CallCount(Op::WriteFileAtomic), 3);
-
-  fs.AddFile("C:\\b.ini", "b");
-  fs.FailPath("c:/S.INI", FileError::AccessDenied);
-  std::string bytes;
-  EXPECT_EQ(fs.ReadFile("C:\\s.ini", bytes), FileError::AccessDenied);
-  EXPECT_EQ(fs.Rename("C:\\b.ini", "C:\\s.ini"), FileError::AccessDenied);
-  EXPECT_EQ(fs.ReadFile("C:\\b.ini", bytes), FileError::None);
-  fs.ClearFailures();
-  EXPECT_EQ(fs.ReadFile("C:\\s.ini", bytes), FileError::None);
 }
 
 TEST(MemoryFileSystemTest, RenamingAFolderMovesWhatIsInIt) {
