@@ -91,12 +91,6 @@ std::size_t FindTagClose(const char* p, std::size_t i, std::size_t n, unsigned& 
   return close(n);
 }
 
-// The byte is tested as the runtime did, sign-extended and then compared unsigned,
-// so every byte from 0x80 up (a lead byte too) may open a tag name.
-bool StartsTagName(unsigned char c) {
-  return c > 0x60 || (c >= 'A' && c <= 'Z') || c == '_' || c == ':';
-}
-
 bool EndsTagName(unsigned char c) { return IsSpace(c) || c == '/' || c == '>'; }
 
 bool EndsWord(unsigned char c) {

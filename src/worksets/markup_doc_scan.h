@@ -120,6 +120,72 @@ inline std::size_t FindStandalone(const char* p, std::size_t i, std::size_t n, c
   return FindStandalone(p, i, n, c, c, c);
 }
 
+// In a tag whose name has been read, the first ">" at or behind `i` (a character
+// boundary) outside quotes, a quote opening a value that only the same quote
+// closes; n when the tag doesn't end. The parse's form of the node scanner's own
+// search, for a tag that starts with no quote open: each block's quotes and ">" are
+// taken from their masks without reading the bytes again.
+inline std::size_t FindTagEnd(const char* p, std::size_t i, std::size_t n) {
+  // 0 outside quotes, 1 inside double quotes, 2 inside single quotes.
+  unsigned inside = 0;
+#if defined(__SSE2__)
+  const __m128i doubleQuote = _mm_set1_epi8('"');
+  const __m128i singleQuote = _mm_set1_epi8('\'');
+  const __m128i greater = _mm_set1_epi8('>');
+  while (i + 16 <= n) {
+    const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + i));
+    unsigned doubles = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(x, doubleQuote)));
+    unsigned singles = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(x, singleQuote)));
+    unsigned ends = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(x, greater)));
+    std::size_t advance = 16;
+    if (const unsigned high = static_cast<unsigned>(_mm_movemask_epi8(x))) {
+      const unsigned standalone = ~TrailMask(p, i, n, high, advance);
+      doubles &= standalone;
+      singles &= standalone;
+      ends &= standalone;
+    }
+    unsigned live = 0xFFFF;
+    for (;;) {
+      const unsigned events = (inside == 0 ? (doubles | singles | ends) : inside == 1 ? doubles : singles) & live;
+      if (!events) break;
+      const unsigned first = events & (0u - events);
+      if (inside) {
+        inside = 0;
+      } else if (ends & first) {
+        return i + static_cast<std::size_t>(__builtin_ctz(first));
+      } else {
+        inside = (doubles & first) ? 1 : 2;
+      }
+      live &= ~((first << 1) - 1);
+    }
+    i += advance;
+  }
+#endif
+  char quote = inside == 1 ? '"' : inside == 2 ? '\'' : 0;
+  while (i < n) {
+    const char c = p[i];
+    if (static_cast<unsigned char>(c) & 0x80) {
+      i += Step(p, i, n);
+      continue;
+    }
+    if (quote) {
+      if (c == quote) quote = 0;
+    } else if (c == '>') {
+      return i;
+    } else if (c == '"' || c == '\'') {
+      quote = c;
+    }
+    ++i;
+  }
+  return n;
+}
+
+// The byte is tested as the runtime did, sign-extended and then compared unsigned,
+// so every byte from 0x80 up (a lead byte too) may open a tag name.
+inline bool StartsTagName(unsigned char c) {
+  return c > 0x60 || (c >= 'A' && c <= 'Z') || c == '_' || c == ':';
+}
+
 // Scans one node of token.text from token.next; fills `frame` (and, for an end
 // tag, the name's extent in `token`) and moves token.next behind it.
 int ScanNode(ParseToken& token, NodeFrame& frame);
