@@ -62,19 +62,24 @@ inline std::size_t ReadName(const char* p, std::size_t i, std::size_t n) {
   return n;
 }
 
-// NameMatches for an end tag's name against its start tag's. Names of one to eight
-// bytes are compared as words when the text holds eight bytes from both.
-inline bool EndNameMatches(std::string_view endName, std::string_view open, const char* textEnd) {
+// True when `a` and `b` hold the same `size` bytes. Up to eight bytes are compared
+// as one word when the text holds eight bytes from both.
+inline bool SameBytes(const char* a, const char* b, std::size_t size, const char* textEnd) {
 #if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
-  const std::size_t size = endName.size();
-  if (size == open.size() && size - 1 < 8 && textEnd - endName.data() >= 8 && textEnd - open.data() >= 8) {
-    std::uint64_t a;
-    std::uint64_t b;
-    std::memcpy(&a, endName.data(), 8);
-    std::memcpy(&b, open.data(), 8);
-    return ((a ^ b) << (64 - 8 * size)) == 0;
+  if (size - 1 < 8 && textEnd - a >= 8 && textEnd - b >= 8) {
+    std::uint64_t x;
+    std::uint64_t y;
+    std::memcpy(&x, a, 8);
+    std::memcpy(&y, b, 8);
+    return ((x ^ y) << (64 - 8 * size)) == 0;
   }
 #endif
+  return std::memcmp(a, b, size) == 0;
+}
+
+// NameMatches for an end tag's name against its start tag's.
+inline bool EndNameMatches(std::string_view endName, std::string_view open, const char* textEnd) {
+  if (endName.size() == open.size()) return SameBytes(endName.data(), open.data(), endName.size(), textEnd);
   return NameMatches(endName, open);
 }
 
@@ -90,6 +95,8 @@ std::int64_t MarkupDoc::ParseElements(std::string_view text, std::uint32_t paren
     std::uint32_t last = 0;
     std::size_t start = 0;
     std::string_view name;
+    // Read by the parse itself: no quote in it.
+    bool plainName = false;
   };
   std::vector<Level> levels(16);
   std::size_t depth = 0;
@@ -119,24 +126,54 @@ std::int64_t MarkupDoc::ParseElements(std::string_view text, std::uint32_t paren
     std::size_t length = 0;
     bool selfClosing = false;
     std::string_view name;
+    bool plainName = false;
+    bool namesMatch = false;
     if (i + 2 < n) {
       const unsigned char c = static_cast<unsigned char>(p[i + 1]);
+      // A name read here holds no quote and no ">", so a tag's end is searched for from
+      // the name's first character: the two searches don't wait on each other.
       if (c == '/') {
-        const std::size_t nameEnd = ReadName(p, i + 2, n);
-        const std::size_t close = nameEnd >= n || p[nameEnd] == '>' ? nameEnd : FindTagEnd(p, nameEnd, n);
-        if (close < n) {
+        // Mostly the end tag repeats the open name and ends: a name read here has no
+        // quote and never ends inside a character, so reading the end tag's name would
+        // walk the same characters to the same ">".
+        const Level& open = levels[depth];
+        const std::size_t size = open.name.size();
+        if (open.plainName && i + 2 + size < n && p[i + 2 + size] == '>' &&
+            SameBytes(p + i + 2, open.name.data(), size, p + n)) {
           kind = kEndTag;
-          length = close + 1 - i;
-          name = std::string_view(p + i + 2, nameEnd - i - 2);
+          length = size + 3;
+          name = std::string_view(p + i + 2, size);
+          namesMatch = true;
+        } else {
+          const std::size_t nameEnd = ReadName(p, i + 2, n);
+          const std::size_t close = FindTagEnd(p, i + 2, n);
+          if (nameEnd < n && close < n) {
+            kind = kEndTag;
+            length = close + 1 - i;
+            name = std::string_view(p + i + 2, nameEnd - i - 2);
+          }
         }
       } else if (StartsTagName(c)) {
         const std::size_t nameEnd = ReadName(p, i + 1, n);
-        const std::size_t close = nameEnd >= n || p[nameEnd] == '>' ? nameEnd : FindTagEnd(p, nameEnd, n);
-        if (close < n) {
+        const std::size_t close = FindTagEnd(p, i + 1, n);
+        if (nameEnd < n && close < n) {
           kind = kStartTag;
           length = close + 1 - i;
           selfClosing = p[close - 1] == '/';
           name = std::string_view(p + i + 1, nameEnd - i - 1);
+          plainName = true;
+        }
+      } else if (c == '!' && i + 4 < n && ((p[i + 2] == '-' && p[i + 3] == '-') || (p[i + 2] == '[' && p[i + 3] == 'C'))) {
+        // A comment ends at "-->", a CDATA section at "]]>"; quotes are text in both.
+        // The bytes before a ">" are compared as bytes, as the scanner compares them.
+        const char mark = p[i + 2] == '-' ? '-' : ']';
+        std::size_t close = FindStandalone(p, i + 4, n, '>');
+        while (close < n && !(p[close - 1] == mark && p[close - 2] == mark)) {
+          close = FindStandalone(p, close + 1, n, '>');
+        }
+        if (close < n) {
+          kind = mark == '-' ? kComment : kCdataSection;
+          length = close + 1 - i;
         }
       }
     }
@@ -195,6 +232,7 @@ std::int64_t MarkupDoc::ParseElements(std::string_view text, std::uint32_t paren
       opened.first = opened.last = 0;
       opened.start = start;
       opened.name = name;
+      opened.plainName = plainName;
       depth += selfClosing ? 0 : 1;
       if (depth + 1 >= levels.size()) levels.resize(levels.size() * 2);
     } else if (kind == kEndTag) {
@@ -209,7 +247,7 @@ std::int64_t MarkupDoc::ParseElements(std::string_view text, std::uint32_t paren
       const Level& closed = levels[depth];
       if (closed.first) Rec(closed.first).prev = closed.last;
       --depth;
-      if (!EndNameMatches(name, closed.name, p + n)) {
+      if (!namesMatch && !EndNameMatches(name, closed.name, p + n)) {
         error_ = Format("末端标记 '%s' 上偏移 %d 个不符合比开始标记 '%s' 上偏移 %d 个", std::string(name).c_str(),
                         static_cast<int>(name.data() - p), std::string(closed.name).c_str(),
                         static_cast<int>(closed.start));

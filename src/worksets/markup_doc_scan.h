@@ -124,7 +124,7 @@ inline std::size_t FindStandalone(const char* p, std::size_t i, std::size_t n, c
 // boundary) outside quotes, a quote opening a value that only the same quote
 // closes; n when the tag doesn't end. The parse's form of the node scanner's own
 // search, for a tag that starts with no quote open: each block's quotes and ">" are
-// taken from their masks without reading the bytes again.
+// taken from their masks without reading the bytes again, a value in one step.
 inline std::size_t FindTagEnd(const char* p, std::size_t i, std::size_t n) {
   // 0 outside quotes, 1 inside double quotes, 2 inside single quotes.
   unsigned inside = 0;
@@ -145,18 +145,28 @@ inline std::size_t FindTagEnd(const char* p, std::size_t i, std::size_t n) {
       ends &= standalone;
     }
     unsigned live = 0xFFFF;
+    if (inside) {
+      const unsigned closing = inside == 1 ? doubles : singles;
+      if (!closing) {
+        i += advance;
+        continue;
+      }
+      live = ~(((closing & (0u - closing)) << 1) - 1);
+      inside = 0;
+    }
     for (;;) {
-      const unsigned events = (inside == 0 ? (doubles | singles | ends) : inside == 1 ? doubles : singles) & live;
+      const unsigned events = (doubles | singles | ends) & live;
       if (!events) break;
       const unsigned first = events & (0u - events);
-      if (inside) {
-        inside = 0;
-      } else if (ends & first) {
-        return i + static_cast<std::size_t>(__builtin_ctz(first));
-      } else {
-        inside = (doubles & first) ? 1 : 2;
+      if (ends & first) return i + static_cast<std::size_t>(__builtin_ctz(first));
+      // A quote: the value runs to the same quote, here or in a later block.
+      const bool isDouble = (doubles & first) != 0;
+      const unsigned closing = (isDouble ? doubles : singles) & ~((first << 1) - 1);
+      if (!closing) {
+        inside = isDouble ? 1 : 2;
+        break;
       }
-      live &= ~((first << 1) - 1);
+      live = ~(((closing & (0u - closing)) << 1) - 1);
     }
     i += advance;
   }
