@@ -1,6 +1,7 @@
 // MarkupDoc against pugixml's default parse on the same generated documents, the
 // index's size per element, and FindChildElement over wide sibling lists. The
-// closing summary prints the ratios.
+// closing summary prints the ratios; on a shared machine run it with
+// --benchmark_repetitions=5 and the summary compares medians.
 #include <benchmark/benchmark.h>
 
 #include <atomic>
@@ -163,18 +164,28 @@ void BM_FindChildElementLoop(benchmark::State& state) {
 }
 BENCHMARK(BM_FindChildElementLoop)->RangeMultiplier(10)->Range(1000, 100000)->Complexity(benchmark::oN);
 
-// Keeps each run's time per iteration, for the ratios printed at the end.
+// Keeps each benchmark's real and CPU time per iteration, for the ratios printed at
+// the end: the median when the run has repetitions (on a shared machine the single
+// runs scatter), else the one run.
 class RecordingReporter : public benchmark::ConsoleReporter {
  public:
+  struct Times {
+    double real = 0;
+    double cpu = 0;
+    bool median = false;
+  };
   void ReportRuns(const std::vector<Run>& runs) override {
     for (const Run& run : runs) {
-      if (run.run_type == Run::RT_Iteration && run.iterations > 0) {
-        seconds[run.benchmark_name()] = run.real_accumulated_time / static_cast<double>(run.iterations);
-      }
+      const bool median = run.run_type == Run::RT_Aggregate && run.aggregate_name == "median";
+      if (!median && !(run.run_type == Run::RT_Iteration && run.iterations > 0)) continue;
+      Times& times = seconds[run.run_name.str()];
+      if (times.median && !median) continue;
+      const double multiplier = benchmark::GetTimeUnitMultiplier(run.time_unit);
+      times = Times{run.GetAdjustedRealTime() / multiplier, run.GetAdjustedCPUTime() / multiplier, median};
     }
     ConsoleReporter::ReportRuns(runs);
   }
-  std::map<std::string, double> seconds;
+  std::map<std::string, Times> seconds;
 };
 
 }  // namespace
@@ -194,19 +205,20 @@ int main(int argc, char** argv) {
     MarkupDoc doc;
     doc.SetDoc(text);
     const double elements = static_cast<double>(CountElements(text));
-    std::printf("%2d MB (%zu bytes, %.0f elements): MarkupDoc %.2f ms (%.0f MB/s)", megabytes, text.size(), elements,
-                mine->second * 1e3, static_cast<double>(text.size()) / mine->second / 1e6);
+    std::printf("%2d MB (%zu bytes, %.0f elements): MarkupDoc %.3f ms (%.0f MB/s)", megabytes, text.size(), elements,
+                mine->second.real * 1e3, static_cast<double>(text.size()) / mine->second.real / 1e6);
     if (theirs != reporter.seconds.end()) {
-      std::printf(", pugixml %.2f ms; pugixml/MarkupDoc time ratio %.2f", theirs->second * 1e3,
-                  theirs->second / mine->second);
+      std::printf(", pugixml %.3f ms; pugixml/MarkupDoc time ratio %.2f (CPU time %.2f)", theirs->second.real * 1e3,
+                  theirs->second.real / mine->second.real, theirs->second.cpu / mine->second.cpu);
     }
-    std::printf("; index %.1f bytes per element\n", static_cast<double>(doc.IndexBytes()) / elements);
+    std::printf("; index %.1f bytes per element%s\n", static_cast<double>(doc.IndexBytes()) / elements,
+                mine->second.median ? " (medians)" : "");
   }
   const auto small = reporter.seconds.find("BM_FindChildElementLast/1000");
   const auto large = reporter.seconds.find("BM_FindChildElementLast/100000");
   if (small != reporter.seconds.end() && large != reporter.seconds.end()) {
     std::printf("FindChildElement past 100,000 siblings: %.3f ms, %.1f times 1,000 siblings (linear: 100)\n",
-                large->second * 1e3, large->second / small->second);
+                large->second.real * 1e3, large->second.real / small->second.real);
   }
   benchmark::Shutdown();
   return 0;
