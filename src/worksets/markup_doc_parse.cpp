@@ -40,7 +40,8 @@ inline std::size_t ReadName(const char* p, std::size_t i, std::size_t n) {
     // above read as signed; a name is mostly letters, so the first such byte
     // usually ends it.
     const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + i));
-    const unsigned low = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmplt_epi8(x, _mm_set1_epi8('?'))));
+    const unsigned low =
+        static_cast<unsigned>(_mm_movemask_epi8(_mm_cmplt_epi8(x, _mm_set1_epi8('?'))));
     if (!low) {
       i += 16;
     } else {
@@ -79,7 +80,8 @@ inline bool SameBytes(const char* a, const char* b, std::size_t size, const char
 
 // NameMatches for an end tag's name against its start tag's.
 inline bool EndNameMatches(std::string_view endName, std::string_view open, const char* textEnd) {
-  if (endName.size() == open.size()) return SameBytes(endName.data(), open.data(), endName.size(), textEnd);
+  if (endName.size() == open.size())
+    return SameBytes(endName.data(), open.data(), endName.size(), textEnd);
   return NameMatches(endName, open);
 }
 
@@ -163,7 +165,8 @@ std::int64_t MarkupDoc::ParseElements(std::string_view text, std::uint32_t paren
           name = std::string_view(p + i + 1, nameEnd - i - 1);
           plainName = true;
         }
-      } else if (c == '!' && i + 4 < n && ((p[i + 2] == '-' && p[i + 3] == '-') || (p[i + 2] == '[' && p[i + 3] == 'C'))) {
+      } else if (c == '!' && i + 4 < n &&
+                 ((p[i + 2] == '-' && p[i + 3] == '-') || (p[i + 2] == '[' && p[i + 3] == 'C'))) {
         // A comment ends at "-->", a CDATA section at "]]>"; quotes are text in both.
         // The bytes before a ">" are compared as bytes, as the scanner compares them.
         const char mark = p[i + 2] == '-' ? '-' : ']';
@@ -201,7 +204,8 @@ std::int64_t MarkupDoc::ParseElements(std::string_view text, std::uint32_t paren
       if (!first) {
         first = pos;
       } else if (depth == 0) {
-        error_ = Format("单元码 '%s' 上偏移 %d 是同属根源", std::string(name).c_str(), static_cast<int>(start));
+        error_ = Format("单元码 '%s' 上偏移 %d 是同属根源", std::string(name).c_str(),
+                        static_cast<int>(start));
         return leave(-1);
       }
       ElementRecord& r = Rec(pos);
@@ -237,7 +241,8 @@ std::int64_t MarkupDoc::ParseElements(std::string_view text, std::uint32_t paren
       if (depth + 1 >= levels.size()) levels.resize(levels.size() * 2);
     } else if (kind == kEndTag) {
       if (depth == 0) {
-        error_ = Format("没开始标记和末端标记 '%s' 上偏移 %d 个", std::string(name).c_str(), static_cast<int>(start));
+        error_ = Format("没开始标记和末端标记 '%s' 上偏移 %d 个", std::string(name).c_str(),
+                        static_cast<int>(start));
         return leave(-1);
       }
       ElementRecord& r = Rec(current);
@@ -248,9 +253,9 @@ std::int64_t MarkupDoc::ParseElements(std::string_view text, std::uint32_t paren
       if (closed.first) Rec(closed.first).prev = closed.last;
       --depth;
       if (!namesMatch && !EndNameMatches(name, closed.name, p + n)) {
-        error_ = Format("末端标记 '%s' 上偏移 %d 个不符合比开始标记 '%s' 上偏移 %d 个", std::string(name).c_str(),
-                        static_cast<int>(name.data() - p), std::string(closed.name).c_str(),
-                        static_cast<int>(closed.start));
+        error_ = Format("末端标记 '%s' 上偏移 %d 个不符合比开始标记 '%s' 上偏移 %d 个",
+                        std::string(name).c_str(), static_cast<int>(name.data() - p),
+                        std::string(closed.name).c_str(), static_cast<int>(closed.start));
         return leave(-1);
       }
       current = r.parent;
