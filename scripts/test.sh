@@ -20,7 +20,7 @@ for preset in linux win64; do
 done
 step "configure win32" cmake --preset win32 >/dev/null && step "build win32" cmake --build --preset win32
 step "configure fuzz" cmake --preset fuzz >/dev/null && step "build fuzz" cmake --build --preset fuzz &&
-  step "fuzz" ctest --preset fuzz
+  step "fuzz" ctest --preset fuzz --verbose
 
 echo
 if [ ${#failed[@]} -gt 0 ]; then

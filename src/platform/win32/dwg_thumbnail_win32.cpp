@@ -3,6 +3,8 @@
 #include <cstdlib>
 #include <memory>
 
+#include "platform/win32/raster_gdi.h"
+
 namespace tavlet {
 
 PreviewRect ToPreviewRect(const RECT& rect) { return {rect.left, rect.top, rect.right, rect.bottom}; }
@@ -63,12 +65,9 @@ void PaintThumbnail(DwgThumbnail& thumbnail, HDC dc, const RECT& rect, HDRAWDIB 
 
 HBITMAP ThumbnailToBitmap(const DwgThumbnail& thumbnail, HDC dc) {
   if (!thumbnail.HasDib()) return nullptr;
-  DibView dib = thumbnail.Dib();
   HDC screen = nullptr;
   if (dc == nullptr) dc = screen = GetDC(nullptr);
-  HBITMAP bitmap = CreateDIBitmap(dc, reinterpret_cast<const BITMAPINFOHEADER*>(dib.data), CBM_INIT,
-                                  dib.data + dib.bitsOffset, reinterpret_cast<const BITMAPINFO*>(dib.data),
-                                  DIB_RGB_COLORS);
+  HBITMAP bitmap = IS40_DIBToHBITMAP(thumbnail.Dib().data, nullptr, dc);
   if (screen != nullptr) ReleaseDC(nullptr, screen);
   return bitmap;
 }
