@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "sim/dwg_picture_reader.h"
 #include "sim/sim_automation.h"
 #include "text/codepage.h"
 
@@ -51,6 +52,7 @@ port::Value StringValue() {
 }  // namespace
 
 SimHost::SimHost(FileSystem& fs) : fs_(fs) {
+  thumbnailReader_ = [&fs](const std::string& path, ThumbnailPixels& out) { return ReadDwgPicture(fs, path, out); };
   colors_.modelBackground = 0x000000;
   colors_.layoutBackground = 0xFFFFFF;
   colors_.modelCrosshair = 0xFFFFFF;

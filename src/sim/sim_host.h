@@ -168,6 +168,7 @@ class SimHost final : public port::HostSession,
   void SetVersionText(const std::string& text) { versionText_ = text; }
   void SetRoamableRootFolder(const std::string& folder) { roamableRoot_ = folder; }
   void SetProductKey(const std::string& key) { productKey_ = key; }
+  // Real drawings show the thumbnail they carry unless a test sets another reader.
   void SetThumbnailReader(ThumbnailReader reader) { thumbnailReader_ = std::move(reader); }
   // The registered commands: group, global name.
   std::vector<std::pair<std::string, std::string>> RegisteredCommands() const;

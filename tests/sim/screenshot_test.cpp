@@ -2,6 +2,8 @@
 
 #include "host/port_ptr.h"
 #include "recorder.h"
+#include "sim/memory_file_system.h"
+#include "support/dwg_writer.h"
 
 namespace tavlet::sim {
 namespace {
@@ -48,6 +50,28 @@ TEST(SimScreenShot, RendersThePictureAtTheViewSizeInBlueGreenRed) {
   host.SetScreenShotUnavailable(true);
   EXPECT_EQ(host.GraphicsService()->TakeScreenShot(shot.Receive()), port::kFalse);
   EXPECT_FALSE(shot);
+}
+
+TEST(SimScreenShot, ARealDrawingShowsTheThumbnailItCarries) {
+  MemoryFileSystem fs;
+  testing::DibShape shape;
+  shape.palette.assign(256, 0);
+  shape.palette[7] = 0x00302010;  // blue 0x30, green 0x20, red 0x10
+  fs.AddFile("C:\\plans\\a.dwg", testing::MakeDwgWithBitmap("AC1018", shape));
+  fs.AddFile("C:\\plans\\bare.dwg", std::string("AC1018") + std::string(64, '\0'));
+  SimHost host(fs);
+  host.SetViewSize(4, 3);
+  ASSERT_NE(host.OpenDrawing("C:\\plans\\a.dwg", false), nullptr) << host.LastOpenError();
+  host::PortPtr<port::ScreenImage> shot;
+  ASSERT_EQ(host.GraphicsService()->TakeScreenShot(shot.Receive()), port::kOk);
+  const unsigned char* px = nullptr;
+  ASSERT_EQ(shot->PixelAddress(3, 2, &px), port::kOk);
+  EXPECT_EQ(px[0], 0x30);
+  EXPECT_EQ(px[1], 0x20);
+  EXPECT_EQ(px[2], 0x10);
+
+  // A drawing without a thumbnail still opens; it just has no picture of its own.
+  EXPECT_NE(host.OpenDrawing("C:\\plans\\bare.dwg", false), nullptr) << host.LastOpenError();
 }
 
 TEST(SimScreenShot, OnlyAShadedViewportOfTheCurrentSpaceHasAGraphicsView) {
