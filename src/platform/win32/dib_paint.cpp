@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <mutex>
 
+#include "platform/win32/handles.h"
 #include "previews/dib.h"
 #include "previews/dib_blend.h"
 
@@ -13,56 +14,23 @@ namespace {
 using AlphaBlendFunction = BOOL(WINAPI*)(HDC, int, int, int, int, HDC, int, int, int, int, BLENDFUNCTION);
 
 std::mutex alphaLock;
+// A plain handle rather than a Module: its destructor would run among the static
+// destructors, under the loader lock, where FreeLibrary must not be called.
 HMODULE alphaModule = nullptr;
 std::atomic<AlphaBlendFunction> alphaBlend{nullptr};
 std::atomic<bool> alphaLookedUp{false};
 std::atomic<bool> forceFallback{false};
 
-class MemoryDc {
- public:
-  explicit MemoryDc(HDC compatibleWith) : dc_(CreateCompatibleDC(compatibleWith)) {}
-  ~MemoryDc() {
-    if (previous_ != nullptr) SelectObject(dc_, previous_);
-    if (dc_ != nullptr) DeleteDC(dc_);
-  }
-  MemoryDc(const MemoryDc&) = delete;
-  MemoryDc& operator=(const MemoryDc&) = delete;
-
-  HDC get() const { return dc_; }
-  void Select(HGDIOBJ object) {
-    HGDIOBJ old = SelectObject(dc_, object);
-    if (previous_ == nullptr) previous_ = old;
-  }
-
- private:
-  HDC dc_;
-  HGDIOBJ previous_ = nullptr;
-};
-
-class GdiObject {
- public:
-  explicit GdiObject(HGDIOBJ object) : object_(object) {}
-  ~GdiObject() {
-    if (object_ != nullptr) DeleteObject(object_);
-  }
-  GdiObject(const GdiObject&) = delete;
-  GdiObject& operator=(const GdiObject&) = delete;
-  HGDIOBJ get() const { return object_; }
-
- private:
-  HGDIOBJ object_;
-};
-
-// A 24-bit top-down DIB section in a memory context of its own.
+// A 24-bit top-down DIB section selected into a memory context of its own.
 struct Section {
-  MemoryDc dc{nullptr};
+  MemoryDc dc{CreateCompatibleDC(nullptr)};
   std::uint8_t* bits = nullptr;  // before `bitmap`, which fills it
-  GdiObject bitmap;
+  GdiObject<HBITMAP> bitmap;
+  SelectedObject selected;
 
-  Section(int width, int height) : bitmap(Make(width, height, bits)) {
-    if (bitmap.get() != nullptr && dc.get() != nullptr) dc.Select(bitmap.get());
-  }
-  bool ok() const { return bitmap.get() != nullptr && dc.get() != nullptr && bits != nullptr; }
+  Section(int width, int height)
+      : bitmap(Make(width, height, bits)), selected(dc.get(), bitmap.get()) {}
+  bool ok() const { return bitmap.valid() && dc.valid() && bits != nullptr; }
 
   static HBITMAP Make(int width, int height, std::uint8_t*& bits) {
     BITMAPINFO info{};
@@ -147,14 +115,14 @@ bool FillAlphaRect(HDC dc, const RECT& rect, COLORREF color, int alpha) {
   // Nothing shows through at 0; the software formula would still darken by 1/256.
   if (alpha == 0) return true;
 
-  MemoryDc source(dc);
-  GdiObject bitmap(CreateCompatibleBitmap(dc, width, height));
-  if (source.get() == nullptr || bitmap.get() == nullptr) return false;
-  source.Select(bitmap.get());
+  MemoryDc source(CreateCompatibleDC(dc));
+  GdiObject<HBITMAP> bitmap(CreateCompatibleBitmap(dc, width, height));
+  if (!source.valid() || !bitmap.valid()) return false;
+  SelectedObject selected(source.get(), bitmap.get());
   {
-    GdiObject brush(CreateSolidBrush(color));
+    GdiObject<HBRUSH> brush(CreateSolidBrush(color));
     RECT area{0, 0, width, height};
-    FillRect(source.get(), &area, static_cast<HBRUSH>(brush.get()));
+    FillRect(source.get(), &area, brush.get());
   }
 
   AlphaBlendFunction blend = AlphaBlendAvailable() ? alphaBlend.load() : nullptr;
@@ -168,12 +136,12 @@ bool FillAlphaRect(HDC dc, const RECT& rect, COLORREF color, int alpha) {
 bool HatchRect(HDC dc, const RECT& rect, COLORREF color) {
   if (dc == nullptr) return false;
   static const WORD rows[8] = {0x55, 0xAA, 0x55, 0xAA, 0x55, 0xAA, 0x55, 0xAA};
-  GdiObject pattern(CreateBitmap(8, 8, 1, 1, rows));
-  if (pattern.get() == nullptr) return false;
-  GdiObject brush(CreatePatternBrush(static_cast<HBITMAP>(pattern.get())));
-  if (brush.get() == nullptr) return false;
+  GdiObject<HBITMAP> pattern(CreateBitmap(8, 8, 1, 1, rows));
+  if (!pattern.valid()) return false;
+  GdiObject<HBRUSH> brush(CreatePatternBrush(pattern.get()));
+  if (!brush.valid()) return false;
 
-  HGDIOBJ previousBrush = SelectObject(dc, brush.get());
+  SelectedObject selectedBrush(dc, brush.get());
   const COLORREF previousBack = SetBkColor(dc, RGB(255, 255, 255));
   const COLORREF previousText = SetTextColor(dc, RGB(0, 0, 0));
   const int width = rect.right - rect.left;
@@ -186,7 +154,6 @@ bool HatchRect(HDC dc, const RECT& rect, COLORREF color) {
   PatBlt(dc, rect.left, rect.top, width, height, 0xFA0089);
   SetTextColor(dc, previousText);
   SetBkColor(dc, previousBack);
-  SelectObject(dc, previousBrush);
   return true;
 }
 

@@ -9,18 +9,14 @@ namespace tavlet {
 
 PreviewRect ToPreviewRect(const RECT& rect) { return {rect.left, rect.top, rect.right, rect.bottom}; }
 
-void GdiThumbnailCanvas::SaveState() { savedState_ = SaveDC(dc_); }
+void GdiThumbnailCanvas::SaveState() { savedState_ = win32::SavedDcState(dc_); }
 
-void GdiThumbnailCanvas::RestoreState() {
-  if (savedState_ != 0) RestoreDC(dc_, savedState_);
-  savedState_ = 0;
-}
+void GdiThumbnailCanvas::RestoreState() { savedState_.Restore(); }
 
 void GdiThumbnailCanvas::FillRect(const PreviewRect& rect, std::uint32_t color) {
   RECT r{rect.left, rect.top, rect.right, rect.bottom};
-  HBRUSH brush = CreateSolidBrush(color);
-  ::FillRect(dc_, &r, brush);
-  DeleteObject(brush);
+  win32::GdiObject<HBRUSH> brush(CreateSolidBrush(color));
+  ::FillRect(dc_, &r, brush.get());
 }
 
 int GdiThumbnailCanvas::TextHeight(std::string_view text) {
@@ -65,11 +61,9 @@ void PaintThumbnail(DwgThumbnail& thumbnail, HDC dc, const RECT& rect, HDRAWDIB 
 
 HBITMAP ThumbnailToBitmap(const DwgThumbnail& thumbnail, HDC dc) {
   if (!thumbnail.HasDib()) return nullptr;
-  HDC screen = nullptr;
-  if (dc == nullptr) dc = screen = GetDC(nullptr);
-  HBITMAP bitmap = IS40_DIBToHBITMAP(thumbnail.Dib().data, nullptr, dc);
-  if (screen != nullptr) ReleaseDC(nullptr, screen);
-  return bitmap;
+  if (dc != nullptr) return IS40_DIBToHBITMAP(thumbnail.Dib().data, nullptr, dc);
+  win32::ScreenDc screen;
+  return IS40_DIBToHBITMAP(thumbnail.Dib().data, nullptr, screen.get());
 }
 
 void SetBackgroundLoad(DwgThumbnail& thumbnail, HWND notifyWindow, const RECT& itemRect) {
@@ -99,26 +93,28 @@ DWORD WINAPI ThreadLoadRunner::ThreadMain(LPVOID parameter) {
 bool ThreadLoadRunner::Start(std::function<void()> work) {
   Join();
   auto* parameter = new std::function<void()>(std::move(work));
-  thread_ = CreateThread(nullptr, 0, &ThreadMain, parameter, CREATE_SUSPENDED, nullptr);
-  if (thread_ == nullptr) {
+  thread_ = win32::KernelHandle(
+      CreateThread(nullptr, 0, &ThreadMain, parameter, CREATE_SUSPENDED, nullptr));
+  if (!thread_.valid()) {
     delete parameter;
     return false;
   }
-  SetThreadPriority(thread_, THREAD_PRIORITY_IDLE);
-  ResumeThread(thread_);
+  SetThreadPriority(thread_.get(), THREAD_PRIORITY_IDLE);
+  ResumeThread(thread_.get());
   return true;
 }
 
 void ThreadLoadRunner::Join() {
-  if (thread_ == nullptr) return;
+  if (!thread_.valid()) return;
+  HANDLE thread = thread_.get();
   // The loader ends with a repaint that the window's thread must answer; waiting
   // without taking sent messages would leave both threads waiting on each other.
-  while (MsgWaitForMultipleObjects(1, &thread_, FALSE, INFINITE, QS_SENDMESSAGE) == WAIT_OBJECT_0 + 1) {
+  while (MsgWaitForMultipleObjects(1, &thread, FALSE, INFINITE, QS_SENDMESSAGE) ==
+         WAIT_OBJECT_0 + 1) {
     MSG message;
     PeekMessageA(&message, nullptr, 0, 0, PM_NOREMOVE | PM_QS_SENDMESSAGE);
   }
-  CloseHandle(thread_);
-  thread_ = nullptr;
+  thread_.Close();
 }
 
 }  // namespace tavlet

@@ -6,6 +6,7 @@
 #include <windows.h>
 #include <vfw.h>
 
+#include "platform/win32/handles.h"
 #include "previews/dwg_thumbnail.h"
 
 namespace tavlet {
@@ -27,7 +28,7 @@ class GdiThumbnailCanvas : public ThumbnailCanvas {
  private:
   HDC dc_;
   HDRAWDIB drawDib_;
-  int savedState_ = 0;
+  win32::SavedDcState savedState_;
 };
 
 PreviewRect ToPreviewRect(const RECT& rect);
@@ -52,7 +53,7 @@ class ThreadLoadRunner : public ThumbnailLoadRunner {
 
  private:
   static DWORD WINAPI ThreadMain(LPVOID parameter);
-  HANDLE thread_ = nullptr;
+  win32::KernelHandle thread_;
 };
 
 }  // namespace tavlet

@@ -10,7 +10,6 @@ namespace {
 
 constexpr char kClassName[] = "TavletFilePreviewPanel";
 
-// BB2E617C-0920-11D1-9A0B-00C04FC2D6C1
 const IID kIidExtractImage = {0xBB2E617C, 0x0920, 0x11D1, {0x9A, 0x0B, 0x00, 0xC0, 0x4F, 0xC2, 0xD6, 0xC1}};
 
 template <typename T>
@@ -26,23 +25,18 @@ bool ToWide(const std::string& text, wchar_t (&buffer)[MAX_PATH]) {
 
 void FillSolid(HDC dc, int x, int y, int cx, int cy, COLORREF color) {
   RECT r{x, y, x + cx, y + cy};
-  HBRUSH brush = CreateSolidBrush(color);
-  FillRect(dc, &r, brush);
-  DeleteObject(brush);
+  win32::GdiObject<HBRUSH> brush(CreateSolidBrush(color));
+  FillRect(dc, &r, brush.get());
 }
 
 }  // namespace
 
 GdiPanelImage::GdiPanelImage(HBITMAP bitmap) : bitmap_(bitmap) {
   BITMAP info{};
-  if (bitmap_ != nullptr && GetObjectA(bitmap_, sizeof info, &info) == sizeof info) {
+  if (bitmap_.valid() && GetObjectA(bitmap_.get(), sizeof info, &info) == sizeof info) {
     width_ = info.bmWidth;
     height_ = info.bmHeight;
   }
-}
-
-GdiPanelImage::~GdiPanelImage() {
-  if (bitmap_ != nullptr) DeleteObject(bitmap_);
 }
 
 std::unique_ptr<PanelImage> ShellImageExtractor::Extract(const std::string& path, int width, int height) {
@@ -181,10 +175,8 @@ LRESULT FilePreviewPanelWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lP
     case WM_ERASEBKGND:
       return 1;  // the paint covers every pixel
     case WM_PAINT: {
-      PAINTSTRUCT ps;
-      HDC dc = BeginPaint(hwnd_, &ps);
-      PaintTo(dc);
-      EndPaint(hwnd_, &ps);
+      win32::PaintDc paint(hwnd_);
+      PaintTo(paint.get());
       return 0;
     }
     case WM_PRINTCLIENT:

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "platform/win32/dwg_thumbnail_win32.h"
+#include "platform/win32/handles.h"
 #include "previews/file_preview_panel.h"
 
 namespace tavlet {
@@ -19,15 +20,12 @@ namespace tavlet {
 class GdiPanelImage : public PanelImage {
  public:
   explicit GdiPanelImage(HBITMAP bitmap);
-  ~GdiPanelImage() override;
-  GdiPanelImage(const GdiPanelImage&) = delete;
-  GdiPanelImage& operator=(const GdiPanelImage&) = delete;
   int Width() const override { return width_; }
   int Height() const override { return height_; }
-  HBITMAP handle() const { return bitmap_; }
+  HBITMAP handle() const { return bitmap_.get(); }
 
  private:
-  HBITMAP bitmap_;
+  win32::GdiObject<HBITMAP> bitmap_;
   int width_ = 0;
   int height_ = 0;
 };

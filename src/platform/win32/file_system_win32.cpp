@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "platform/file_system.h"
+#include "platform/win32/handles.h"
 #include "text/codepage.h"
 
 namespace tavlet {
@@ -45,39 +46,6 @@ FileError FromLastError(DWORD error = GetLastError()) {
   }
 }
 
-class Handle {
- public:
-  explicit Handle(HANDLE handle) : handle_(handle) {}
-  ~Handle() { Close(); }
-  Handle(const Handle&) = delete;
-  Handle& operator=(const Handle&) = delete;
-  bool valid() const { return handle_ != INVALID_HANDLE_VALUE && handle_ != nullptr; }
-  HANDLE get() const { return handle_; }
-  bool Close() {
-    bool ok = true;
-    if (valid()) ok = CloseHandle(handle_) != 0;
-    handle_ = INVALID_HANDLE_VALUE;
-    return ok;
-  }
-
- private:
-  HANDLE handle_;
-};
-
-class FindHandle {
- public:
-  explicit FindHandle(HANDLE handle) : handle_(handle) {}
-  ~FindHandle() {
-    if (handle_ != INVALID_HANDLE_VALUE) FindClose(handle_);
-  }
-  FindHandle(const FindHandle&) = delete;
-  FindHandle& operator=(const FindHandle&) = delete;
-  HANDLE get() const { return handle_; }
-
- private:
-  HANDLE handle_;
-};
-
 // Offset of the last separator character, by character so that a trail byte 0x5C
 // is not taken for one; npos when there is none.
 std::size_t LastSeparator(const std::string& path) {
@@ -88,9 +56,10 @@ std::size_t LastSeparator(const std::string& path) {
   return found;
 }
 
-Handle OpenForReading(const std::string& path) {
-  return Handle(CreateFileA(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                            OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+win32::KernelHandle OpenForReading(const std::string& path) {
+  return win32::KernelHandle(CreateFileA(path.c_str(), GENERIC_READ,
+                                         FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
+                                         FILE_ATTRIBUTE_NORMAL, nullptr));
 }
 
 FileError ReadSome(HANDLE file, std::string& bytes, std::uint64_t wanted) {
@@ -121,7 +90,7 @@ class Win32FileSystem final : public FileSystem {
 
   FileError ReadFile(const std::string& path, std::string& bytes, std::uint64_t maxBytes) override {
     bytes.clear();
-    Handle file = OpenForReading(path);
+    win32::KernelHandle file = OpenForReading(path);
     if (!file.valid()) return FromLastError();
     FileError error = ReadSome(file.get(), bytes, maxBytes);
     if (error != FileError::None) bytes.clear();
@@ -130,7 +99,7 @@ class Win32FileSystem final : public FileSystem {
 
   FileError ReadAt(const std::string& path, std::uint64_t offset, std::size_t count, std::string& bytes) override {
     bytes.clear();
-    Handle file = OpenForReading(path);
+    win32::KernelHandle file = OpenForReading(path);
     if (!file.valid()) return FromLastError();
     LARGE_INTEGER distance;
     distance.QuadPart = static_cast<LONGLONG>(offset);
@@ -161,7 +130,8 @@ class Win32FileSystem final : public FileSystem {
 
     FileError error = FileError::None;
     {
-      Handle file(CreateFileA(temp, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+      win32::KernelHandle file(CreateFileA(temp, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                           FILE_ATTRIBUTE_NORMAL, nullptr));
       if (!file.valid()) error = FromLastError();
       while (error == FileError::None && !bytes.empty()) {
         DWORD chunk = static_cast<DWORD>(std::min<std::size_t>(bytes.size(), 1u << 20));
@@ -231,8 +201,8 @@ class Win32FileSystem final : public FileSystem {
     if (!pattern.empty() && LastSeparator(pattern) + 1 != pattern.size()) pattern += '\\';
     pattern += '*';
     WIN32_FIND_DATAA data{};
-    FindHandle find(FindFirstFileA(pattern.c_str(), &data));
-    if (find.get() == INVALID_HANDLE_VALUE) {
+    win32::FindHandle find(FindFirstFileA(pattern.c_str(), &data));
+    if (!find.valid()) {
       DWORD error = GetLastError();
       // An existing but empty folder still lists "." and ".."; only a drive root can
       // come back with no entry at all.

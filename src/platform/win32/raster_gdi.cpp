@@ -1,9 +1,11 @@
 #include "platform/win32/raster_gdi.h"
 
 #include <cstring>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "platform/win32/handles.h"
 #include "previews/dib.h"
 #include "previews/raster/dib_pixels.h"
 #include "previews/raster/raster.h"
@@ -13,6 +15,9 @@ namespace tavlet {
 namespace {
 
 using namespace raster;
+using win32::GdiObject;
+using win32::MemoryDc;
+using win32::SelectedObject;
 
 static_assert(sizeof(LOGFONTA) == sizeof(LogFontA), "LogFontA mirrors LOGFONTA");
 
@@ -20,27 +25,6 @@ static_assert(sizeof(LOGFONTA) == sizeof(LogFontA), "LogFontA mirrors LOGFONTA")
 struct InfoWithTable {
   BITMAPINFOHEADER header;
   RGBQUAD colors[256 + 3];
-};
-
-struct MemoryDc {
-  HDC dc;
-  explicit MemoryDc(HDC compatibleWith) : dc(CreateCompatibleDC(compatibleWith)) {}
-  ~MemoryDc() {
-    if (dc != nullptr) DeleteDC(dc);
-  }
-  MemoryDc(const MemoryDc&) = delete;
-  MemoryDc& operator=(const MemoryDc&) = delete;
-};
-
-struct Selected {
-  HDC dc;
-  HGDIOBJ previous;
-  Selected(HDC d, HGDIOBJ object) : dc(d), previous(SelectObject(d, object)) {}
-  ~Selected() {
-    if (previous != nullptr && previous != HGDI_ERROR) SelectObject(dc, previous);
-  }
-  Selected(const Selected&) = delete;
-  Selected& operator=(const Selected&) = delete;
 };
 
 // A palette selected and realised for the length of a call; deleted afterwards
@@ -167,16 +151,15 @@ std::int32_t DibToBitmap(const void* dib, HPALETTE palette, HDC dc, const Raster
   const std::uint8_t* bits = table + colours * 4;
 
   HDC use = dc;
-  bool screen = false;
-  bool memory = false;
+  std::optional<win32::ScreenDc> screen;
+  MemoryDc memory;
   if (use == nullptr) {
     // A screen context would make a 1-bit bitmap in colour; a memory one keeps it 1-bit.
     if (header.bitCount == 1) {
-      use = CreateCompatibleDC(nullptr);
-      memory = true;
+      memory = MemoryDc(CreateCompatibleDC(nullptr));
+      use = memory.get();
     } else {
-      use = GetDC(nullptr);
-      screen = true;
+      use = screen.emplace().get();
     }
     if (use == nullptr) return kNoDeviceContext;
   }
@@ -207,8 +190,6 @@ std::int32_t DibToBitmap(const void* dib, HPALETTE palette, HDC dc, const Raster
       if (result == nullptr) code = kCreateBitmapFailed;
     }
   }
-  if (screen) ReleaseDC(nullptr, use);
-  if (memory) DeleteDC(use);
   return code;
 }
 
@@ -220,21 +201,13 @@ std::int32_t DrawPixels(HDC dc, const unsigned char* rgb, std::int32_t width, st
   }
   void* dib = IS40_RGBToDIB(rgb, width, height, stride, nullptr, 0);
   if (dib == nullptr) return kOutOfMemory;
-  HBITMAP bitmap = IS40_DIBToHBITMAP(dib, palette, dc);
+  GdiObject<HBITMAP> bitmap(IS40_DIBToHBITMAP(dib, palette, dc));
   DibFree(dib);
-  if (bitmap == nullptr) return kCreateBitmapFailed;
-  std::int32_t code = kOk;
-  {
-    MemoryDc memory(dc);
-    if (memory.dc == nullptr) {
-      code = kNoDeviceContext;
-    } else {
-      Selected selected(memory.dc, bitmap);
-      if (!BitBlt(dc, x, y, width, height, memory.dc, 0, 0, SRCCOPY)) code = kNoBitmapTransfer;
-    }
-  }
-  DeleteObject(bitmap);
-  return code;
+  if (!bitmap.valid()) return kCreateBitmapFailed;
+  MemoryDc memory(CreateCompatibleDC(dc));
+  if (!memory.valid()) return kNoDeviceContext;
+  SelectedObject selected(memory.get(), bitmap.get());
+  return BitBlt(dc, x, y, width, height, memory.get(), 0, 0, SRCCOPY) ? kOk : kNoBitmapTransfer;
 }
 
 }  // namespace
@@ -279,8 +252,8 @@ LogFontA FromLogFont(const LOGFONTA& font) {
 std::int32_t GdiTextMaskPort::DrawMask(const void* text, bool wide, const LogFontA& font,
                                        std::int32_t width, std::int32_t height, std::uint32_t format,
                                        MonoMask& mask) {
-  MemoryDc memory(nullptr);
-  if (memory.dc == nullptr) return kNoDeviceContext;
+  MemoryDc memory(CreateCompatibleDC(nullptr));
+  if (!memory.valid()) return kNoDeviceContext;
 
   // A top-down 1-bit section with black at 0 and white at 1: ink reads back as set bits.
   struct {
@@ -294,42 +267,33 @@ std::int32_t GdiTextMaskPort::DrawMask(const void* text, bool wide, const LogFon
   info.header.biBitCount = 1;
   info.colors[1] = {255, 255, 255, 0};
   void* bits = nullptr;
-  HBITMAP bitmap = CreateDIBSection(memory.dc, reinterpret_cast<BITMAPINFO*>(&info), DIB_RGB_COLORS,
-                                    &bits, nullptr, 0);
-  if (bitmap == nullptr || bits == nullptr) {
-    if (bitmap != nullptr) DeleteObject(bitmap);
-    return kNoDeviceContext;
-  }
+  GdiObject<HBITMAP> bitmap(CreateDIBSection(
+      memory.get(), reinterpret_cast<BITMAPINFO*>(&info), DIB_RGB_COLORS, &bits, nullptr, 0));
+  if (!bitmap.valid() || bits == nullptr) return kNoDeviceContext;
   const LOGFONTA logFont = ToLogFont(font);
-  HFONT handle = CreateFontIndirectA(&logFont);
-  if (handle == nullptr) {
-    DeleteObject(bitmap);
-    return kNoFont;
+  GdiObject<HFONT> fontHandle(CreateFontIndirectA(&logFont));
+  if (!fontHandle.valid()) return kNoFont;
+
+  SelectedObject selectedBitmap(memory.get(), bitmap.get());
+  SelectedObject selectedFont(memory.get(), fontHandle.get());
+  PatBlt(memory.get(), 0, 0, width, height, BLACKNESS);
+  SetTextColor(memory.get(), RGB(255, 255, 255));
+  SetBkMode(memory.get(), TRANSPARENT);
+  RECT area{0, 0, width, height};
+  if (wide) {
+    std::wstring copy(static_cast<const wchar_t*>(text));
+    DrawTextExW(memory.get(), copy.data(), -1, &area, format, nullptr);
+  } else {
+    // DrawTextEx may write into its text with some formats; it gets a copy.
+    std::string copy(static_cast<const char*>(text));
+    DrawTextExA(memory.get(), copy.data(), -1, &area, format, nullptr);
   }
-  {
-    Selected selectedBitmap(memory.dc, bitmap);
-    Selected selectedFont(memory.dc, handle);
-    PatBlt(memory.dc, 0, 0, width, height, BLACKNESS);
-    SetTextColor(memory.dc, RGB(255, 255, 255));
-    SetBkMode(memory.dc, TRANSPARENT);
-    RECT area{0, 0, width, height};
-    if (wide) {
-      std::wstring copy(static_cast<const wchar_t*>(text));
-      DrawTextExW(memory.dc, copy.data(), -1, &area, format, nullptr);
-    } else {
-      // DrawTextEx may write into its text with some formats; it gets a copy.
-      std::string copy(static_cast<const char*>(text));
-      DrawTextExA(memory.dc, copy.data(), -1, &area, format, nullptr);
-    }
-    GdiFlush();
-    mask.width = width;
-    mask.height = height;
-    mask.rowBytes = static_cast<std::int32_t>(DibStride(width, 1));
-    const auto* begin = static_cast<const std::uint8_t*>(bits);
-    mask.bits.assign(begin, begin + static_cast<std::size_t>(mask.rowBytes) * height);
-  }
-  DeleteObject(handle);
-  DeleteObject(bitmap);
+  GdiFlush();
+  mask.width = width;
+  mask.height = height;
+  mask.rowBytes = static_cast<std::int32_t>(DibStride(width, 1));
+  const auto* begin = static_cast<const std::uint8_t*>(bits);
+  mask.bits.assign(begin, begin + static_cast<std::size_t>(mask.rowBytes) * height);
   return kOk;
 }
 

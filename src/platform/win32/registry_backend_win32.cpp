@@ -5,25 +5,12 @@
 #include <cstring>
 #include <string>
 
+#include "platform/win32/handles.h"
+
 namespace tavlet {
 namespace {
 
 constexpr REGSAM kReadWrite = 0x2001F;  // KEY_READ | KEY_WRITE
-
-class Key {
- public:
-  Key() = default;
-  ~Key() {
-    if (handle_) RegCloseKey(handle_);
-  }
-  Key(const Key&) = delete;
-  Key& operator=(const Key&) = delete;
-  HKEY* Out() { return &handle_; }
-  HKEY Get() const { return handle_; }
-
- private:
-  HKEY handle_ = nullptr;
-};
 
 // Not every build of the platform treats a trailing "\" alike; the empty section's
 // path ends in one, so it goes.
@@ -33,7 +20,7 @@ std::string KeyName(std::string_view path) {
   return name;
 }
 
-bool OpenKey(std::string_view path, Key& key, bool create) {
+bool OpenKey(std::string_view path, win32::RegKey& key, bool create) {
   const std::string name = KeyName(path);
   if (RegOpenKeyExA(HKEY_CURRENT_USER, name.c_str(), 0, kReadWrite, key.Out()) == ERROR_SUCCESS)
     return true;
@@ -46,27 +33,27 @@ bool OpenKey(std::string_view path, Key& key, bool create) {
 }  // namespace
 
 bool Win32Registry::OpenOrCreateKey(std::string_view path) {
-  Key key;
+  win32::RegKey key;
   return OpenKey(path, key, true);
 }
 
 bool Win32Registry::KeyExists(std::string_view path) {
-  Key key;
+  win32::RegKey key;
   const std::string name = KeyName(path);
   return RegOpenKeyExA(HKEY_CURRENT_USER, name.c_str(), 0, KEY_READ, key.Out()) == ERROR_SUCCESS;
 }
 
 bool Win32Registry::QueryValue(std::string_view path, std::string_view name, RegValue& value) {
-  Key key;
+  win32::RegKey key;
   if (!OpenKey(path, key, true)) return false;
   const std::string valueName(name);
   DWORD type = 0;
   DWORD size = 0;
-  if (RegQueryValueExA(key.Get(), valueName.c_str(), nullptr, &type, nullptr, &size) !=
+  if (RegQueryValueExA(key.get(), valueName.c_str(), nullptr, &type, nullptr, &size) !=
       ERROR_SUCCESS)
     return false;
   std::string bytes(size, '\0');
-  if (RegQueryValueExA(key.Get(), valueName.c_str(), nullptr, &type,
+  if (RegQueryValueExA(key.get(), valueName.c_str(), nullptr, &type,
                        reinterpret_cast<BYTE*>(bytes.data()), &size) != ERROR_SUCCESS)
     return false;
   bytes.resize(size);
@@ -77,19 +64,19 @@ bool Win32Registry::QueryValue(std::string_view path, std::string_view name, Reg
 
 bool Win32Registry::SetValue(std::string_view path, std::string_view name, std::uint32_t type,
                              std::string_view bytes) {
-  Key key;
+  win32::RegKey key;
   if (!OpenKey(path, key, true)) return false;
   const std::string valueName(name);
-  return RegSetValueExA(key.Get(), valueName.c_str(), 0, type,
+  return RegSetValueExA(key.get(), valueName.c_str(), 0, type,
                         reinterpret_cast<const BYTE*>(bytes.data()),
                         static_cast<DWORD>(bytes.size())) == ERROR_SUCCESS;
 }
 
 bool Win32Registry::DeleteValue(std::string_view path, std::string_view name) {
-  Key key;
+  win32::RegKey key;
   if (!OpenKey(path, key, false)) return false;
   const std::string valueName(name);
-  return RegDeleteValueA(key.Get(), valueName.c_str()) == ERROR_SUCCESS;
+  return RegDeleteValueA(key.get(), valueName.c_str()) == ERROR_SUCCESS;
 }
 
 std::uint32_t Win32DisplayDefaults::SysColor(int index) { return GetSysColor(index); }
@@ -106,28 +93,23 @@ LogFontA Win32DisplayDefaults::DefaultGuiFont() {
 
 bool Win32UserEnvironment::AppDataFolder(std::string& folder) {
   using GetFolderPath = HRESULT(WINAPI*)(HWND, int, HANDLE, DWORD, LPSTR);
-  GetFolderPath function = nullptr;
-  HMODULE library = LoadLibraryA("shell32.dll");
-  if (library)
-    function = reinterpret_cast<GetFolderPath>(
-        reinterpret_cast<void*>(GetProcAddress(library, "SHGetFolderPathA")));
+  const auto lookUp = [](const win32::Module& library) -> GetFolderPath {
+    if (!library.valid()) return nullptr;
+    return reinterpret_cast<GetFolderPath>(
+        reinterpret_cast<void*>(GetProcAddress(library.get(), "SHGetFolderPathA")));
+  };
+  win32::Module library(LoadLibraryA("shell32.dll"));
+  GetFolderPath function = lookUp(library);
   if (!function) {
-    if (library) FreeLibrary(library);
-    library = LoadLibraryA("shfolder.dll");
-    if (library)
-      function = reinterpret_cast<GetFolderPath>(
-          reinterpret_cast<void*>(GetProcAddress(library, "SHGetFolderPathA")));
+    library.Close();
+    library = win32::Module(LoadLibraryA("shfolder.dll"));
+    function = lookUp(library);
   }
-  bool found = false;
-  if (function) {
-    char path[MAX_PATH] = {};
-    if (SUCCEEDED(function(nullptr, 26 /* CSIDL_APPDATA */, nullptr, 0, path))) {
-      folder = path;
-      found = true;
-    }
-  }
-  if (library) FreeLibrary(library);
-  return found;
+  if (!function) return false;
+  char path[MAX_PATH] = {};
+  if (FAILED(function(nullptr, 26 /* CSIDL_APPDATA */, nullptr, 0, path))) return false;
+  folder = path;
+  return true;
 }
 
 std::string Win32UserEnvironment::ModuleFolder() {
