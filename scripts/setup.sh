@@ -5,7 +5,7 @@
 set -euo pipefail
 purpose=${1:-test}
 
-packages=(g++ cmake ninja-build googletest locales
+packages=(g++ cmake ninja-build ccache googletest locales
           mingw-w64 g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix
           wine wine64 xvfb xauth fonts-wqy-microhei)
 case "$purpose" in
