@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cstring>
+#include <map>
+#include <memory>
+#include <tuple>
 #include <string>
 
 #include "sim/sim_automation.h"
@@ -122,28 +125,58 @@ class SimEntity final : public SimHolder<port::Entity> {
   const EntityDesc* entity_;  // null for a viewport
 };
 
+}  // namespace
+
+// The entities of each block, erased ones left out, so that a walk over a
+// block doesn't search all of the drawing's entities. Made again when the
+// entities are replaced (a test may set a drawing's content after opening it).
+struct SimEntityIndex {
+  const EntityDesc* data = nullptr;
+  std::size_t size = 0;
+  std::map<std::string, std::vector<const EntityDesc*>> ofLayout, ofBlock;
+};
+
+namespace {
+
+// The index, held for the walk, and the block's list in it (null for none).
+std::pair<std::shared_ptr<SimEntityIndex>, const std::vector<const EntityDesc*>*> EntitiesOf(SimDocument& doc,
+                                                                                           const SimBlock& block) {
+  const DrawingDescription& c = doc.content;
+  if (!doc.entityIndex || doc.entityIndex->data != c.entities.data() || doc.entityIndex->size != c.entities.size()) {
+    auto index = std::make_shared<SimEntityIndex>();
+    index->data = c.entities.data();
+    index->size = c.entities.size();
+    for (const EntityDesc& e : c.entities)
+      if (!e.erased) (e.block.empty() ? index->ofLayout[e.layout] : index->ofBlock[e.block]).push_back(&e);
+    doc.entityIndex = std::move(index);
+  }
+  const auto& map = block.kind == SimBlock::Kind::Named ? doc.entityIndex->ofBlock : doc.entityIndex->ofLayout;
+  const std::string* owner = block.kind == SimBlock::Kind::Model    ? nullptr
+                             : block.kind == SimBlock::Kind::Layout ? &c.layouts[block.index]
+                             : block.kind == SimBlock::Kind::Named  ? &c.blocks[block.index].name
+                                                                    : &c.xrefs[block.index].block;
+  if (block.kind == SimBlock::Kind::Xref) return {doc.entityIndex, nullptr};
+  auto it = map.find(owner ? *owner : std::string("Model"));
+  return {doc.entityIndex, it == map.end() ? nullptr : &it->second};
+}
+
 class SimEntityIterator final : public SimObject<port::EntityIterator> {
  public:
-  SimEntityIterator(SimHost& host, SimDocument& doc, const SimBlock& block) : SimObject(host, doc) {
-    const DrawingDescription& c = Content();
-    bool space = block.kind == SimBlock::Kind::Model || block.kind == SimBlock::Kind::Layout;
-    if (!space && block.kind != SimBlock::Kind::Named) return;
-    const std::string& owner = block.kind == SimBlock::Kind::Model    ? kModel
-                               : block.kind == SimBlock::Kind::Layout ? c.layouts[block.index]
-                                                                      : c.blocks[block.index].name;
-    for (const EntityDesc& e : c.entities)
-      if (!e.erased && (space ? e.block.empty() && e.layout == owner : e.block == owner)) entities_.push_back(&e);
+  SimEntityIterator(SimHost& host, SimDocument& doc, const SimBlock& block)
+      : SimObject(host, doc) {
+    std::tie(index_, entities_) = EntitiesOf(doc, block);
     if (block.kind == SimBlock::Kind::Layout)
-      for (const ViewportDesc& v : c.viewports)
-        if (v.layout == owner) viewports_.push_back(&v);
+      for (const ViewportDesc& v : Content().viewports)
+        if (v.layout == Content().layouts[block.index]) viewports_.push_back(&v);
   }
 
   port::Result TAVLET_PORT_CALL Next(port::Entity** entity, port::EntityInfo* info) override {
     *entity = nullptr;
     *info = port::EntityInfo();
     if (port::Result r = Enter("EntityIterator::Next")) return r;
-    if (next_ < entities_.size()) {
-      const EntityDesc& e = *entities_[next_++];
+    std::size_t count = entities_ ? entities_->size() : 0;
+    if (next_ < count) {
+      const EntityDesc& e = *(*entities_)[next_++];
       if (e.kind == EntityDesc::Kind::Image) info->kind = port::kEntityRasterImage;
       if (e.kind == EntityDesc::Kind::Ole) {
         info->kind = port::kEntityOle2Frame;
@@ -152,7 +185,7 @@ class SimEntityIterator final : public SimObject<port::EntityIterator> {
       *entity = new SimEntity(host_, doc_, &e);
       return port::kOk;
     }
-    std::size_t v = next_ - entities_.size();
+    std::size_t v = next_ - count;
     if (v >= viewports_.size()) return port::kFalse;
     ++next_;
     info->kind = port::kEntityViewport;
@@ -163,8 +196,8 @@ class SimEntityIterator final : public SimObject<port::EntityIterator> {
   }
 
  private:
-  static inline const std::string kModel = "Model";
-  std::vector<const EntityDesc*> entities_;
+  std::shared_ptr<SimEntityIndex> index_;
+  const std::vector<const EntityDesc*>* entities_ = nullptr;
   std::vector<const ViewportDesc*> viewports_;
   std::size_t next_ = 0;
 };

@@ -52,6 +52,7 @@ struct SimDocument {
   // What automation did to it, in order: "zoom extents", "zoom all", "zoom window",
   // "view NAME", "regen", "plot LAYOUT", "refresh LAYOUT".
   std::vector<std::string> actions;
+  std::shared_ptr<struct SimEntityIndex> entityIndex;  // sim_content.cpp's, made on the first walk
 };
 
 struct ShownBox {
