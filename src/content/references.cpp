@@ -28,17 +28,16 @@ std::string_view ComparedPart(std::string_view s) {
   return s.substr(0, i);
 }
 
-// One list and what it already holds, by lower-cased text. Two texts are equal
-// for _mbscmp exactly when their compared parts are equal byte for byte, so a
-// hash set of those parts answers as a search of a vector with _mbscmp would,
-// without its quadratic cost on drawings with thousands of hyperlinks.
+// One list and what it already holds, by ReferenceKey. Two texts are equal for
+// _mbscmp exactly when their compared parts are equal byte for byte, so a hash
+// set of keys answers as a search of a vector with _mbscmp would, without its
+// quadratic cost on drawings with thousands of hyperlinks.
 class ReferenceList {
  public:
   ReferenceList(IdMap<DrawingPath>& map, int& nextId, FileSystem& files) : map_(map), nextId_(nextId), files_(files) {}
 
   void Add(const std::string& path) {
-    std::string lower = text::Mbslwr(path);
-    if (!seen_.emplace(ComparedPart(lower)).second) return;
+    if (!seen_.insert(ReferenceKey(path)).second) return;
     map_.emplace(nextId_++, DrawingPath(path, files_));
   }
   void Finish(bool fill) {
@@ -77,6 +76,8 @@ void ForEachLayoutEntity(port::DrawingDatabase& database, const std::vector<port
 }
 
 }  // namespace
+
+std::string ReferenceKey(std::string_view path) { return std::string(ComparedPart(text::Mbslwr(path))); }
 
 void CollectReferences(int& nextId, ReferenceSet& sets, port::DrawingDatabase& database, port::Database db, bool fill,
                        FileSystem& files) {
