@@ -34,7 +34,8 @@ std::string Numbered(const char* prefix, int n, const char* suffix = "") {
 sim::DrawingDescription LargeDrawing() {
   sim::DrawingDescription d;
   for (int i = 0; i < kPaperLayouts; ++i) d.layouts.push_back(Numbered("Layout", i + 1));
-  for (int i = 0; i < 20; ++i) d.xrefs.push_back({Numbered("X", i), Numbered("C:\\x\\ref", i, ".dwg"), i % 4 != 0});
+  for (int i = 0; i < 20; ++i)
+    d.xrefs.push_back({Numbered("X", i), Numbered("C:\\x\\ref", i, ".dwg"), i % 4 != 0});
   d.entities.resize(kEntities);
   for (int i = 0; i < kEntities; ++i) {
     sim::EntityDesc& e = d.entities[static_cast<std::size_t>(i)];
@@ -48,7 +49,8 @@ sim::DrawingDescription LargeDrawing() {
       e.linked = true;
       e.path = Numbered("C:\\tables\\t", i, ".xls");
     }
-    if (i % (kEntities / kHyperlinks) == 3) e.hyperlinks.push_back(Numbered("http://example.com/item/", i));
+    if (i % (kEntities / kHyperlinks) == 3)
+      e.hyperlinks.push_back(Numbered("http://example.com/item/", i));
   }
   for (int i = 0; i < 50; ++i) d.blocks.push_back({Numbered("Block", i), {}});
   d.hasPicture = true;

@@ -6,7 +6,8 @@
 
 namespace tavlet::content {
 
-bool ListLayouts(port::DrawingDatabase& database, port::Database db, std::vector<LayoutInfo>& layouts) {
+bool ListLayouts(port::DrawingDatabase& database, port::Database db,
+                 std::vector<LayoutInfo>& layouts) {
   layouts.clear();
   db::BlockTable table = db::BlockTable::Open(database, db);
   if (!table) return false;
@@ -30,8 +31,8 @@ bool ListLayouts(port::DrawingDatabase& database, port::Database db, std::vector
   return true;
 }
 
-void CollectLayouts(int& nextId, IdMap<std::string>& layouts, port::DrawingDatabase& database, port::Database db,
-                    bool fill) {
+void CollectLayouts(int& nextId, IdMap<std::string>& layouts, port::DrawingDatabase& database,
+                    port::Database db, bool fill) {
   layouts.clear();
   std::vector<LayoutInfo> found;
   if (db && ListLayouts(database, db, found))
@@ -39,8 +40,8 @@ void CollectLayouts(int& nextId, IdMap<std::string>& layouts, port::DrawingDatab
   if ((!db || fill) && layouts.empty()) layouts.emplace(nextId++, kNotFound);
 }
 
-void CollectLayerStates(int& nextId, IdMap<std::string>& states, port::DrawingDatabase& database, port::Database db,
-                        bool fill) {
+void CollectLayerStates(int& nextId, IdMap<std::string>& states, port::DrawingDatabase& database,
+                        port::Database db, bool fill) {
   states.clear();
   port::ObjectId id = port::kNullObjectId;
   if (db && database.LayerStatesDictionary(db, &id) == port::kOk && id != port::kNullObjectId) {
@@ -52,12 +53,13 @@ void CollectLayerStates(int& nextId, IdMap<std::string>& states, port::DrawingDa
   if ((!db || fill) && states.empty()) states.emplace(nextId++, kNotFound);
 }
 
-std::optional<long> RestoreLayerState(port::HostSession& session, port::Document lockDocument, port::Database db,
-                                      const std::string& name) {
+std::optional<long> RestoreLayerState(port::HostSession& session, port::Document lockDocument,
+                                      port::Database db, const std::string& name) {
   if (!db) return std::nullopt;
   db::DocumentLock lock(*session.Documents(), lockDocument);
   long status = port::kAcadOk;
-  if (port::Failed(session.Databases()->RestoreLayerState(db, name.c_str(), &status))) return std::nullopt;
+  if (port::Failed(session.Databases()->RestoreLayerState(db, name.c_str(), &status)))
+    return std::nullopt;
   return status;
 }
 

@@ -23,19 +23,20 @@ struct LayoutInfo {
 
 // The layouts in block-table order (not tab order), model space included; a
 // record that won't open or read is left out. False when the table won't open.
-bool ListLayouts(port::DrawingDatabase& database, port::Database db, std::vector<LayoutInfo>& layouts);
+bool ListLayouts(port::DrawingDatabase& database, port::Database db,
+                 std::vector<LayoutInfo>& layouts);
 
 // Each collector clears its map; a null database gives the one "没有找到"
 // entry, and so does `fill` for a list that stays empty.
-void CollectLayouts(int& nextId, IdMap<std::string>& layouts, port::DrawingDatabase& database, port::Database db,
-                    bool fill);
+void CollectLayouts(int& nextId, IdMap<std::string>& layouts, port::DrawingDatabase& database,
+                    port::Database db, bool fill);
 // In the order of the layer states' dictionary.
-void CollectLayerStates(int& nextId, IdMap<std::string>& states, port::DrawingDatabase& database, port::Database db,
-                        bool fill);
+void CollectLayerStates(int& nextId, IdMap<std::string>& states, port::DrawingDatabase& database,
+                        port::Database db, bool fill);
 
 // restoreLayerState on `db` with `lockDocument` locked for write around it.
 // The Acad::ErrorStatus, or nothing when the host can't be asked.
-std::optional<long> RestoreLayerState(port::HostSession& session, port::Document lockDocument, port::Database db,
-                                      const std::string& name);
+std::optional<long> RestoreLayerState(port::HostSession& session, port::Document lockDocument,
+                                      port::Database db, const std::string& name);
 
 }  // namespace tavlet::content

@@ -12,12 +12,15 @@ namespace {
 void AddKind(ReferenceNode& root, const char* title, const IdMap<DrawingPath>& entries) {
   if (entries.empty()) return;
   ReferenceNode kind{title, {}, false, {}};
-  for (const auto& [id, path] : entries) kind.children.push_back({path.GetName(), path.Full, false, {}});
+  for (const auto& [id, path] : entries)
+    kind.children.push_back({path.GetName(), path.Full, false, {}});
   root.children.push_back(std::move(kind));
 }
 
-void CollectTicked(const ReferenceNode& node, std::unordered_set<std::string>& seen, std::vector<std::string>& out) {
-  if (node.checked && !node.path.empty() && seen.insert(ReferenceKey(node.path)).second) out.push_back(node.path);
+void CollectTicked(const ReferenceNode& node, std::unordered_set<std::string>& seen,
+                   std::vector<std::string>& out) {
+  if (node.checked && !node.path.empty() && seen.insert(ReferenceKey(node.path)).second)
+    out.push_back(node.path);
   for (const ReferenceNode& child : node.children) CollectTicked(child, seen, out);
 }
 

@@ -14,7 +14,9 @@ namespace tavlet::content {
 
 // The kinds' titles. The first is cut after the first byte of a double-byte
 // character ("外部参照" cut short) and stays so: the menu shows it the same way.
-inline constexpr const char kExternalReferencesTitle[] = "外部" "\xB2";
+inline constexpr const char kExternalReferencesTitle[] =
+    "外部"
+    "\xB2";
 inline constexpr const char kImagesTitle[] = "图像";
 inline constexpr const char kOleLinksTitle[] = "OLE 连接";
 inline constexpr const char kHyperlinksTitle[] = "超链接";
@@ -28,7 +30,8 @@ struct ReferenceNode {
 
 // One root per open drawing, in the document manager's walk order, named by
 // the name and extension of its file name; kinds without entries are left out.
-std::vector<ReferenceNode> BuildReferenceTree(port::HostSession& session, FileSystem& files = NativeFileSystem());
+std::vector<ReferenceNode> BuildReferenceTree(port::HostSession& session,
+                                              FileSystem& files = NativeFileSystem());
 
 // A click on an item: its check mark flips, and so does every mark below it.
 void ToggleCheck(ReferenceNode& node);

@@ -34,7 +34,8 @@ std::string_view ComparedPart(std::string_view s) {
 // quadratic cost on drawings with thousands of hyperlinks.
 class ReferenceList {
  public:
-  ReferenceList(IdMap<DrawingPath>& map, int& nextId, FileSystem& files) : map_(map), nextId_(nextId), files_(files) {}
+  ReferenceList(IdMap<DrawingPath>& map, int& nextId, FileSystem& files)
+      : map_(map), nextId_(nextId), files_(files) {}
 
   void Add(const std::string& path) {
     if (!seen_.insert(ReferenceKey(path)).second) return;
@@ -53,7 +54,8 @@ class ReferenceList {
 
 // The ids of the records that pass `keep`, each record opened and closed in turn.
 template <class Keep>
-std::vector<port::ObjectId> RecordsWhere(port::DrawingDatabase& database, const db::BlockTable& table, Keep keep) {
+std::vector<port::ObjectId> RecordsWhere(port::DrawingDatabase& database,
+                                         const db::BlockTable& table, Keep keep) {
   std::vector<port::ObjectId> ids;
   db::RecordWalk walk = table.Records();
   port::ObjectId id = port::kNullObjectId;
@@ -66,7 +68,8 @@ std::vector<port::ObjectId> RecordsWhere(port::DrawingDatabase& database, const 
 
 // Every entity of every layout's block, in the order of the layouts.
 template <class Visit>
-void ForEachLayoutEntity(port::DrawingDatabase& database, const std::vector<port::ObjectId>& layouts, Visit visit) {
+void ForEachLayoutEntity(port::DrawingDatabase& database,
+                         const std::vector<port::ObjectId>& layouts, Visit visit) {
   for (port::ObjectId id : layouts) {
     db::BlockRecord record = db::BlockRecord::Open(database, id);
     db::EntityWalk walk = record.Entities();
@@ -77,10 +80,12 @@ void ForEachLayoutEntity(port::DrawingDatabase& database, const std::vector<port
 
 }  // namespace
 
-std::string ReferenceKey(std::string_view path) { return std::string(ComparedPart(text::Mbslwr(path))); }
+std::string ReferenceKey(std::string_view path) {
+  return std::string(ComparedPart(text::Mbslwr(path)));
+}
 
-void CollectReferences(int& nextId, ReferenceSet& sets, port::DrawingDatabase& database, port::Database db, bool fill,
-                       FileSystem& files) {
+void CollectReferences(int& nextId, ReferenceSet& sets, port::DrawingDatabase& database,
+                       port::Database db, bool fill, FileSystem& files) {
   sets.externalReferences.clear();
   sets.images.clear();
   sets.oleLinks.clear();
@@ -96,8 +101,8 @@ void CollectReferences(int& nextId, ReferenceSet& sets, port::DrawingDatabase& d
   db::BlockTable table = db::BlockTable::Open(database, db);
   if (!table) return;
 
-  for (port::ObjectId id :
-       RecordsWhere(database, table, [](const port::BlockRecordInfo& i) { return i.fromExternalReference; }))
+  for (port::ObjectId id : RecordsWhere(
+           database, table, [](const port::BlockRecordInfo& i) { return i.fromExternalReference; }))
     if (auto path = db::BlockRecord::Open(database, id).XrefFile()) xrefs.Add(*path);
   xrefs.Finish(fill);
 
@@ -123,10 +128,12 @@ void CollectReferences(int& nextId, ReferenceSet& sets, port::DrawingDatabase& d
     for (const std::string& name : e.Hyperlinks()) links.Add(name);
   });
   auto plainNamedBlock = [](const port::BlockRecordInfo& i) {
-    return !i.isAnonymous && !i.fromExternalReference && !i.isLayout && !i.isModelSpace && !i.isDependent;
+    return !i.isAnonymous && !i.fromExternalReference && !i.isLayout && !i.isModelSpace &&
+           !i.isDependent;
   };
   for (port::ObjectId id : RecordsWhere(database, table, plainNamedBlock))
-    for (const std::string& name : db::BlockRecord::Open(database, id).Hyperlinks()) links.Add(name);
+    for (const std::string& name : db::BlockRecord::Open(database, id).Hyperlinks())
+      links.Add(name);
   links.Finish(fill);
 }
 

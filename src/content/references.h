@@ -30,7 +30,7 @@ inline constexpr long kOleLinkBuffer = 260;
 // sees it (up to a NUL, without a lead byte that lost its trail byte).
 std::string ReferenceKey(std::string_view path);
 
-void CollectReferences(int& nextId, ReferenceSet& sets, port::DrawingDatabase& database, port::Database db, bool fill,
-                       FileSystem& files = NativeFileSystem());
+void CollectReferences(int& nextId, ReferenceSet& sets, port::DrawingDatabase& database,
+                       port::Database db, bool fill, FileSystem& files = NativeFileSystem());
 
 }  // namespace tavlet::content

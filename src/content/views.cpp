@@ -13,7 +13,9 @@ namespace tavlet::content {
 namespace {
 
 struct MbscmpLess {
-  bool operator()(const std::string& a, const std::string& b) const { return text::Mbscmp(a, b) < 0; }
+  bool operator()(const std::string& a, const std::string& b) const {
+    return text::Mbscmp(a, b) < 0;
+  }
 };
 
 port::Database DatabaseOf(port::HostSession& session, port::Document doc) {
@@ -24,8 +26,8 @@ port::Database DatabaseOf(port::HostSession& session, port::Document doc) {
 
 }  // namespace
 
-void CollectViews(int& nextId, IdMap<ViewEntry>& views, port::DrawingDatabase& database, port::Database db,
-                  bool fill) {
+void CollectViews(int& nextId, IdMap<ViewEntry>& views, port::DrawingDatabase& database,
+                  port::Database db, bool fill) {
   views.clear();
   std::map<std::string, port::ObjectId, MbscmpLess> byName;
   if (db) {
@@ -56,7 +58,8 @@ void CollectViews(int& nextId, IdMap<ViewEntry>& views, port::DrawingDatabase& d
   }
 }
 
-std::string ReadViewLayout(const std::string& view, port::DrawingDatabase& database, port::Database db) {
+std::string ReadViewLayout(const std::string& view, port::DrawingDatabase& database,
+                           port::Database db) {
   if (!db) return {};
   db::ViewTable table = db::ViewTable::Open(database, db);
   db::XDataList items = table.GetAt(view, false).XData(kViewApplication);
@@ -73,8 +76,10 @@ void WriteViewLayout(const std::string& view, const std::string& layout, port::H
   port::Result r = database.AddRegApp(db, kViewApplication, &status);
   if (port::Failed(r) || (status != port::kAcadOk && status != port::kAcadDuplicateRecordName)) {
     host::StringSink text;
-    if (port::Failed(r)) session.LastErrorDescription(&text);
-    else database.ErrorStatusText(status, &text);
+    if (port::Failed(r))
+      session.LastErrorDescription(&text);
+    else
+      database.ErrorStatusText(status, &text);
     session.EditorService()->Print(("无法注册 MRVN_TAVLET appid - " + text.text).c_str());
     return;
   }
@@ -85,8 +90,8 @@ void WriteViewLayout(const std::string& view, const std::string& layout, port::H
   record.SetXData({{1001, kViewApplication}, {1000, layout}});
 }
 
-std::string AssignViewLayout(const std::string& view, port::HostSession& session, port::Document doc,
-                             LayoutChooser& chooser) {
+std::string AssignViewLayout(const std::string& view, port::HostSession& session,
+                             port::Document doc, LayoutChooser& chooser) {
   port::Database db = DatabaseOf(session, doc);
   if (!db) return {};
   std::vector<LayoutInfo> layouts;

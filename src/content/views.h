@@ -22,11 +22,12 @@ inline constexpr const char kViewApplication[] = "MRVN_TAVLET";
 
 // The views in _mbscmp order of their names (capitals before small letters),
 // dependent ones too. A view that won't open takes no id.
-void CollectViews(int& nextId, IdMap<ViewEntry>& views, port::DrawingDatabase& database, port::Database db,
-                  bool fill);
+void CollectViews(int& nextId, IdMap<ViewEntry>& views, port::DrawingDatabase& database,
+                  port::Database db, bool fill);
 
 // The layout recorded on a view; empty when there is none or it can't be read.
-std::string ReadViewLayout(const std::string& view, port::DrawingDatabase& database, port::Database db);
+std::string ReadViewLayout(const std::string& view, port::DrawingDatabase& database,
+                           port::Database db);
 
 // Records `layout` on the view and marks it a paper-space view, with the
 // document locked for write. A failure to register the application is printed
@@ -38,7 +39,8 @@ void WriteViewLayout(const std::string& view, const std::string& layout, port::H
 // single selection. The selected names on OK, empty on cancel.
 class LayoutChooser {
  public:
-  virtual std::vector<std::string> Choose(const std::string& title, const std::vector<std::string>& names) = 0;
+  virtual std::vector<std::string> Choose(const std::string& title,
+                                          const std::vector<std::string>& names) = 0;
 
  protected:
   ~LayoutChooser() = default;
@@ -46,7 +48,7 @@ class LayoutChooser {
 
 // Finds and records the layout of a paper-space view that has none: the one
 // paper-space layout, or the user's choice among several. Empty when declined.
-std::string AssignViewLayout(const std::string& view, port::HostSession& session, port::Document doc,
-                             LayoutChooser& chooser);
+std::string AssignViewLayout(const std::string& view, port::HostSession& session,
+                             port::Document doc, LayoutChooser& chooser);
 
 }  // namespace tavlet::content

@@ -4,8 +4,8 @@
 #include <cstring>
 #include <map>
 #include <memory>
-#include <tuple>
 #include <string>
+#include <tuple>
 
 #include "sim/sim_automation.h"
 #include "sim/sim_host.h"
@@ -25,7 +25,9 @@ constexpr const char* kErased = "eWasErased";
 template <class Interface>
 class SimObject : public SimCounted<Interface> {
  public:
-  SimObject(SimHost& host, SimDocument& doc) : host_(host), doc_(doc) { ++host_.OpenDatabaseObjects(); }
+  SimObject(SimHost& host, SimDocument& doc) : host_(host), doc_(doc) {
+    ++host_.OpenDatabaseObjects();
+  }
   ~SimObject() override { --host_.OpenDatabaseObjects(); }
 
  protected:
@@ -53,7 +55,8 @@ class SimHyperlinks final : public SimObject<port::HyperlinkCollection> {
   }
   port::Result TAVLET_PORT_CALL Name(long index, port::TextSink* name) override {
     if (port::Result r = Enter("HyperlinkCollection::Name")) return r;
-    if (index < 0 || index >= static_cast<long>(links_.size())) return host_.Fail(port::kBadIndex, "eInvalidIndex");
+    if (index < 0 || index >= static_cast<long>(links_.size()))
+      return host_.Fail(port::kBadIndex, "eInvalidIndex");
     Give(name, links_[static_cast<std::size_t>(index)]);
     return port::kOk;
   }
@@ -95,13 +98,15 @@ const std::vector<std::string>& NoLinks() {
 class SimEntity final : public SimHolder<port::Entity> {
  public:
   SimEntity(SimHost& host, SimDocument& doc, const EntityDesc* entity)
-      : SimHolder(host, doc, "Entity::HasHyperlink", "Entity::Hyperlinks", entity ? entity->hyperlinks : NoLinks()),
+      : SimHolder(host, doc, "Entity::HasHyperlink", "Entity::Hyperlinks",
+                  entity ? entity->hyperlinks : NoLinks()),
         entity_(entity) {}
 
   port::Result TAVLET_PORT_CALL ImageFileName(port::TextSink* path, bool* present) override {
     *present = false;
     if (port::Result r = Enter("Entity::ImageFileName")) return r;
-    if (!entity_ || entity_->kind != EntityDesc::Kind::Image) return host_.Fail(port::kNoInterface, "eNotThatKindOfClass");
+    if (!entity_ || entity_->kind != EntityDesc::Kind::Image)
+      return host_.Fail(port::kNoInterface, "eNotThatKindOfClass");
     *present = !entity_->path.empty();
     Give(path, entity_->path);
     return port::kOk;
@@ -111,7 +116,8 @@ class SimEntity final : public SimHolder<port::Entity> {
     if (port::Result r = Enter("Entity::OleLinkPath")) return r;
     if (!buffer || size <= 0) return host_.Fail(port::kInvalidArgument, "eInvalidInput");
     buffer[0] = 0;
-    if (!entity_ || entity_->kind != EntityDesc::Kind::Ole) return host_.Fail(port::kNoInterface, "eNotThatKindOfClass");
+    if (!entity_ || entity_->kind != EntityDesc::Kind::Ole)
+      return host_.Fail(port::kNoInterface, "eNotThatKindOfClass");
     if (!entity_->linked || entity_->path.empty()) return port::kOk;
     // The frame copies what fits, as lstrcpyn does, cut at the byte.
     std::size_t n = std::min(entity_->path.size(), static_cast<std::size_t>(size - 1));
@@ -139,18 +145,21 @@ struct SimEntityIndex {
 namespace {
 
 // The index, held for the walk, and the block's list in it (null for none).
-std::pair<std::shared_ptr<SimEntityIndex>, const std::vector<const EntityDesc*>*> EntitiesOf(SimDocument& doc,
-                                                                                           const SimBlock& block) {
+std::pair<std::shared_ptr<SimEntityIndex>, const std::vector<const EntityDesc*>*> EntitiesOf(
+    SimDocument& doc, const SimBlock& block) {
   const DrawingDescription& c = doc.content;
-  if (!doc.entityIndex || doc.entityIndex->data != c.entities.data() || doc.entityIndex->size != c.entities.size()) {
+  if (!doc.entityIndex || doc.entityIndex->data != c.entities.data() ||
+      doc.entityIndex->size != c.entities.size()) {
     auto index = std::make_shared<SimEntityIndex>();
     index->data = c.entities.data();
     index->size = c.entities.size();
     for (const EntityDesc& e : c.entities)
-      if (!e.erased) (e.block.empty() ? index->ofLayout[e.layout] : index->ofBlock[e.block]).push_back(&e);
+      if (!e.erased)
+        (e.block.empty() ? index->ofLayout[e.layout] : index->ofBlock[e.block]).push_back(&e);
     doc.entityIndex = std::move(index);
   }
-  const auto& map = block.kind == SimBlock::Kind::Named ? doc.entityIndex->ofBlock : doc.entityIndex->ofLayout;
+  const auto& map =
+      block.kind == SimBlock::Kind::Named ? doc.entityIndex->ofBlock : doc.entityIndex->ofLayout;
   const std::string* owner = block.kind == SimBlock::Kind::Model    ? nullptr
                              : block.kind == SimBlock::Kind::Layout ? &c.layouts[block.index]
                              : block.kind == SimBlock::Kind::Named  ? &c.blocks[block.index].name
@@ -162,8 +171,7 @@ std::pair<std::shared_ptr<SimEntityIndex>, const std::vector<const EntityDesc*>*
 
 class SimEntityIterator final : public SimObject<port::EntityIterator> {
  public:
-  SimEntityIterator(SimHost& host, SimDocument& doc, const SimBlock& block)
-      : SimObject(host, doc) {
+  SimEntityIterator(SimHost& host, SimDocument& doc, const SimBlock& block) : SimObject(host, doc) {
     std::tie(index_, entities_) = EntitiesOf(doc, block);
     if (block.kind == SimBlock::Kind::Layout)
       for (const ViewportDesc& v : Content().viewports)
@@ -206,7 +214,8 @@ class SimBlockRecord final : public SimHolder<port::BlockRecord> {
  public:
   SimBlockRecord(SimHost& host, SimDocument& doc, const SimBlock& block)
       : SimHolder(host, doc, "BlockRecord::HasHyperlink", "BlockRecord::Hyperlinks",
-                  block.kind == SimBlock::Kind::Named ? doc.content.blocks[block.index].hyperlinks : NoLinks()),
+                  block.kind == SimBlock::Kind::Named ? doc.content.blocks[block.index].hyperlinks
+                                                      : NoLinks()),
         block_(block) {}
 
   port::Result TAVLET_PORT_CALL Info(port::BlockRecordInfo* info, port::TextSink* name) override {
@@ -298,7 +307,8 @@ class SimBlockTable final : public SimObject<port::SymbolTable> {
     if (port::Result r = Enter("BlockTable::NewIterator")) return r;
     std::vector<port::ObjectId> ids;
     std::size_t n = SimBlocksOf(Content()).size();
-    for (std::size_t i = 0; i < n; ++i) ids.push_back(MakeSimObjectId(doc_, SimObjectKind::BlockRecord, i));
+    for (std::size_t i = 0; i < n; ++i)
+      ids.push_back(MakeSimObjectId(doc_, SimObjectKind::BlockRecord, i));
     *records = new SimIdIterator(host_, doc_, std::move(ids));
     return port::kOk;
   }
@@ -350,7 +360,8 @@ class SimViewRecord final : public SimObject<port::ViewRecord> {
       if (item.first == 1001) replaced = item.second == items[0].text;
       if (!replaced) kept.push_back(item);
     }
-    for (long i = 0; i < count; ++i) kept.push_back({items[i].groupCode, items[i].text ? items[i].text : ""});
+    for (long i = 0; i < count; ++i)
+      kept.push_back({items[i].groupCode, items[i].text ? items[i].text : ""});
     View().xdata = std::move(kept);
     ++doc_.dbmod;
     return port::kOk;
@@ -361,7 +372,8 @@ class SimViewRecord final : public SimObject<port::ViewRecord> {
   port::Result Writable(const char* call) {
     if (port::Result r = Enter(call)) return r;
     if (!forWrite_) return host_.Fail(port::kAccessDenied, "eNotOpenForWrite");
-    if (!host_.IsLocked(host_.HandleOf(doc_))) return host_.Fail(port::kAccessDenied, "eLockViolation");
+    if (!host_.IsLocked(host_.HandleOf(doc_)))
+      return host_.Fail(port::kAccessDenied, "eLockViolation");
     return port::kOk;
   }
 
@@ -381,7 +393,8 @@ class SimViewTable final : public SimObject<port::ViewTable> {
     *records = new SimIdIterator(host_, doc_, std::move(ids));
     return port::kOk;
   }
-  port::Result TAVLET_PORT_CALL GetAt(const char* name, bool forWrite, port::ViewRecord** record) override {
+  port::Result TAVLET_PORT_CALL GetAt(const char* name, bool forWrite,
+                                      port::ViewRecord** record) override {
     *record = nullptr;
     if (port::Result r = Enter("ViewTable::GetAt")) return r;
     // Symbol table names compare without regard to case.
@@ -436,7 +449,8 @@ std::vector<SimBlock> SimBlocksOf(const DrawingDescription& c) {
 
 port::ObjectId MakeSimObjectId(const SimDocument& doc, SimObjectKind kind, std::size_t index) {
   return (static_cast<port::ObjectId>(doc.serial) << kSerialShift) |
-         (static_cast<port::ObjectId>(kind) << kKindShift) | (static_cast<port::ObjectId>(index) & kIndexMask);
+         (static_cast<port::ObjectId>(kind) << kKindShift) |
+         (static_cast<port::ObjectId>(index) & kIndexMask);
 }
 
 SimDocument* SimObjectOf(SimHost& host, port::ObjectId id, SimObjectKind kind, std::size_t* index) {
@@ -450,14 +464,21 @@ SimDocument* SimObjectOf(SimHost& host, port::ObjectId id, SimObjectKind kind, s
   return nullptr;
 }
 
-port::SymbolTable* NewSimBlockTable(SimHost& host, SimDocument& doc) { return new SimBlockTable(host, doc); }
-port::ViewTable* NewSimViewTable(SimHost& host, SimDocument& doc) { return new SimViewTable(host, doc); }
+port::SymbolTable* NewSimBlockTable(SimHost& host, SimDocument& doc) {
+  return new SimBlockTable(host, doc);
+}
+port::ViewTable* NewSimViewTable(SimHost& host, SimDocument& doc) {
+  return new SimViewTable(host, doc);
+}
 port::BlockRecord* NewSimBlockRecord(SimHost& host, SimDocument& doc, std::size_t block) {
   return new SimBlockRecord(host, doc, SimBlocksOf(doc.content)[block]);
 }
-port::ViewRecord* NewSimViewRecord(SimHost& host, SimDocument& doc, std::size_t view, bool forWrite) {
+port::ViewRecord* NewSimViewRecord(SimHost& host, SimDocument& doc, std::size_t view,
+                                   bool forWrite) {
   return new SimViewRecord(host, doc, view, forWrite);
 }
-port::Dictionary* NewSimLayerStates(SimHost& host, SimDocument& doc) { return new SimLayerStates(host, doc); }
+port::Dictionary* NewSimLayerStates(SimHost& host, SimDocument& doc) {
+  return new SimLayerStates(host, doc);
+}
 
 }  // namespace tavlet::sim

@@ -35,7 +35,8 @@ SimDocument* SimObjectOf(SimHost& host, port::ObjectId id, SimObjectKind kind, s
 port::SymbolTable* NewSimBlockTable(SimHost& host, SimDocument& doc);
 port::ViewTable* NewSimViewTable(SimHost& host, SimDocument& doc);
 port::BlockRecord* NewSimBlockRecord(SimHost& host, SimDocument& doc, std::size_t block);
-port::ViewRecord* NewSimViewRecord(SimHost& host, SimDocument& doc, std::size_t view, bool forWrite);
+port::ViewRecord* NewSimViewRecord(SimHost& host, SimDocument& doc, std::size_t view,
+                                   bool forWrite);
 port::Dictionary* NewSimLayerStates(SimHost& host, SimDocument& doc);
 
 }  // namespace tavlet::sim

@@ -66,7 +66,8 @@ port::Result SimHost::OpenBlockRecord(port::ObjectId id, port::BlockRecord** rec
   if (port::Result r = Enter("DrawingDatabase::OpenBlockRecord")) return r;
   std::size_t index = 0;
   SimDocument* d = SimObjectOf(*this, id, SimObjectKind::BlockRecord, &index);
-  if (!d || index >= SimBlocksOf(d->content).size()) return Fail(port::kInvalidArgument, "eNotThatKindOfClass");
+  if (!d || index >= SimBlocksOf(d->content).size())
+    return Fail(port::kInvalidArgument, "eNotThatKindOfClass");
   *record = NewSimBlockRecord(*this, *d, index);
   return port::kOk;
 }
@@ -76,7 +77,8 @@ port::Result SimHost::OpenViewRecord(port::ObjectId id, port::ViewRecord** recor
   if (port::Result r = Enter("DrawingDatabase::OpenViewRecord")) return r;
   std::size_t index = 0;
   SimDocument* d = SimObjectOf(*this, id, SimObjectKind::ViewRecord, &index);
-  if (!d || index >= d->content.views.size()) return Fail(port::kInvalidArgument, "eNotThatKindOfClass");
+  if (!d || index >= d->content.views.size())
+    return Fail(port::kInvalidArgument, "eNotThatKindOfClass");
   *record = NewSimViewRecord(*this, *d, index, false);
   return port::kOk;
 }
@@ -107,8 +109,10 @@ port::Result SimHost::RestoreLayerState(port::Database db, const char* name, lon
   for (const std::string& s : c.layerStates)
     if (s == (name ? name : "")) *acadStatus = port::kAcadOk;
   if (*acadStatus == port::kAcadOk) {
-    if (!IsLocked(HandleOf(*d))) *acadStatus = 83;  // eLockViolation: the bar must lock first
-    else d->actions.push_back(std::string("layer state ") + name);
+    if (!IsLocked(HandleOf(*d)))
+      *acadStatus = 83;  // eLockViolation: the bar must lock first
+    else
+      d->actions.push_back(std::string("layer state ") + name);
   }
   return port::kOk;
 }
@@ -145,7 +149,8 @@ port::Result SimHost::HasSummaryInfo(port::Database db, bool* present) {
   return port::kOk;
 }
 
-port::Result SimHost::SummaryText(port::Database db, long field, port::TextSink* value, long* acadStatus) {
+port::Result SimHost::SummaryText(port::Database db, long field, port::TextSink* value,
+                                  long* acadStatus) {
   SIM_DATABASE("DrawingDatabase::SummaryText");
   if (field < 0 || field > 7) return *acadStatus = 3, port::kOk;
   *acadStatus = port::kAcadOk;
@@ -159,8 +164,8 @@ port::Result SimHost::CustomSummaryCount(port::Database db, long* count) {
   return port::kOk;
 }
 
-port::Result SimHost::CustomSummary(port::Database db, long index, port::TextSink* key, port::TextSink* value,
-                                    long* acadStatus) {
+port::Result SimHost::CustomSummary(port::Database db, long index, port::TextSink* key,
+                                    port::TextSink* value, long* acadStatus) {
   SIM_DATABASE("DrawingDatabase::CustomSummary");
   if (index < 0 || index >= static_cast<long>(c.custom.size())) return *acadStatus = 3, port::kOk;
   *acadStatus = port::kAcadOk;

@@ -56,7 +56,8 @@ inline const std::string kNone = Utf8(u8"没有找到");
 // A chooser that answers from a script and remembers what it was shown.
 class ScriptedChooser final : public LayoutChooser {
  public:
-  std::vector<std::string> Choose(const std::string& title, const std::vector<std::string>& names) override {
+  std::vector<std::string> Choose(const std::string& title,
+                                  const std::vector<std::string>& names) override {
     titles.push_back(text::ToUtf8(title));
     shown.push_back(names);
     return answer;

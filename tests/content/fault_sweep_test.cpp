@@ -21,11 +21,15 @@ const char kRichDrawing[] =
     "block \"Door\" hyperlink \"C:\\b\\door.pdf\" hyperlink \"C:\\b\\door2.pdf\"\n"
     "block \"Tree\" hyperlink \"C:\\b\\tree.pdf\"\n"
     "image block \"Door\" \"C:\\b\\door.png\"\n"
-    "image \"Model\" \"C:\\i\\one.png\"\nimage \"A1\" \"C:\\i\\two.png\" hyperlink \"C:\\h\\img.pdf\"\n"
-    "ole \"Model\" linked \"C:\\o\\t.xls\"\nole \"A2\" embedded\nole \"A2\" linked \"C:\\o\\u.xls\"\n"
-    "entity \"Model\" hyperlink \"C:\\h\\a.pdf\" hyperlink \"C:\\h\\b.pdf\"\nentity \"A2\" hyperlink \"C:\\h\\c.pdf\"\n"
+    "image \"Model\" \"C:\\i\\one.png\"\nimage \"A1\" \"C:\\i\\two.png\" hyperlink "
+    "\"C:\\h\\img.pdf\"\n"
+    "ole \"Model\" linked \"C:\\o\\t.xls\"\nole \"A2\" embedded\nole \"A2\" linked "
+    "\"C:\\o\\u.xls\"\n"
+    "entity \"Model\" hyperlink \"C:\\h\\a.pdf\" hyperlink \"C:\\h\\b.pdf\"\nentity \"A2\" "
+    "hyperlink \"C:\\h\\c.pdf\"\n"
     "entity \"Model\" erased hyperlink \"C:\\h\\gone.pdf\"\n"
-    "view \"Front\" model 1 2 10 10\nview \"Sheet\" paper 3 4 10 10 layout \"A1\"\nview \"Old\" paper 5 6 10 10\n"
+    "view \"Front\" model 1 2 10 10\nview \"Sheet\" paper 3 4 10 10 layout \"A1\"\nview \"Old\" "
+    "paper 5 6 10 10\n"
     "layer-state \"S1\"\nlayer-state \"S2\"\n";
 
 // What one run of a walk produced, as lists of texts.
@@ -36,7 +40,8 @@ struct Walk {
   std::function<Outcome(SimDrawing&)> run;
   // Whether a run with one failed call gave what the rules allow, beside the
   // run without failures.
-  std::function<void(const Outcome& got, const Outcome& clean, const std::string& failedCall)> check;
+  std::function<void(const Outcome& got, const Outcome& clean, const std::string& failedCall)>
+      check;
 };
 
 bool IsSubsequence(const std::vector<std::string>& part, const std::vector<std::string>& whole) {
@@ -60,13 +65,16 @@ void ExpectShorterFilledLists(const Outcome& got, const Outcome& clean) {
 
 std::vector<std::string> ViewTexts(const IdMap<ViewEntry>& views) {
   std::vector<std::string> out;
-  for (const auto& [id, v] : views) out.push_back(text::ToUtf8(v.name) + (v.isModelView ? " model " : " paper ") + v.layout);
+  for (const auto& [id, v] : views)
+    out.push_back(text::ToUtf8(v.name) + (v.isModelView ? " model " : " paper ") + v.layout);
   return out;
 }
 
 class Chooser final : public LayoutChooser {
  public:
-  std::vector<std::string> Choose(const std::string&, const std::vector<std::string>&) override { return {"A2"}; }
+  std::vector<std::string> Choose(const std::string&, const std::vector<std::string>&) override {
+    return {"A2"};
+  }
 };
 
 std::vector<Walk> Walks() {
@@ -78,7 +86,8 @@ std::vector<Walk> Walks() {
          CollectReferences(id, sets, d.Database(), d.db, true, d.files);
          Outcome out = {Fulls(sets.externalReferences), Fulls(sets.images), Fulls(sets.oleLinks),
                         Fulls(sets.hyperlinks)};
-         EXPECT_EQ(id, static_cast<int>(out[0].size() + out[1].size() + out[2].size() + out[3].size()));
+         EXPECT_EQ(id,
+                   static_cast<int>(out[0].size() + out[1].size() + out[2].size() + out[3].size()));
          return out;
        },
        [](const Outcome& got, const Outcome& clean, const std::string& call) {
@@ -112,7 +121,9 @@ std::vector<Walk> Walks() {
          CollectLayouts(id, layouts, d.Database(), d.db, true);
          return Outcome{Texts(layouts)};
        },
-       [](const Outcome& got, const Outcome& clean, const std::string&) { ExpectShorterFilledLists(got, clean); }},
+       [](const Outcome& got, const Outcome& clean, const std::string&) {
+         ExpectShorterFilledLists(got, clean);
+       }},
       {"CollectLayerStates",
        [](SimDrawing& d) {
          int id = 0;
@@ -120,12 +131,15 @@ std::vector<Walk> Walks() {
          CollectLayerStates(id, states, d.Database(), d.db, true);
          return Outcome{Texts(states)};
        },
-       [](const Outcome& got, const Outcome& clean, const std::string&) { ExpectShorterFilledLists(got, clean); }},
+       [](const Outcome& got, const Outcome& clean, const std::string&) {
+         ExpectShorterFilledLists(got, clean);
+       }},
       {"WriteViewLayout",
        [](SimDrawing& d) {
          WriteViewLayout("Old", "A2", d.host, d.doc);
          d.host.Faults().Clear();
-         return Outcome{{ReadViewLayout("Old", d.Database(), d.db)}, {text::ToUtf8(d.host.Transcript())}};
+         return Outcome{{ReadViewLayout("Old", d.Database(), d.db)},
+                        {text::ToUtf8(d.host.Transcript())}};
        },
        [](const Outcome& got, const Outcome& clean, const std::string& call) {
          EXPECT_TRUE(got[0][0] == clean[0][0] || got[0][0].empty());
@@ -184,9 +198,11 @@ TEST(FaultSweep, TheCleanRunsFindEverything) {
   EXPECT_EQ(refs[0], (std::vector<std::string>{"C:\\x\\site.dwg", "C:\\x\\road.dwg"}));
   EXPECT_EQ(refs[1], (std::vector<std::string>{"C:\\i\\one.png", "C:\\i\\two.png"}));
   EXPECT_EQ(refs[2], (std::vector<std::string>{"C:\\o\\t.xls", "C:\\o\\u.xls"}));
-  EXPECT_EQ(refs[3], (std::vector<std::string>{"C:\\h\\a.pdf", "C:\\h\\b.pdf", "C:\\h\\img.pdf", "C:\\h\\c.pdf",
-                                               "C:\\b\\door.pdf", "C:\\b\\door2.pdf", "C:\\b\\tree.pdf"}));
-  EXPECT_EQ(walks[1].run(d)[0], (std::vector<std::string>{"Front model ", "Old paper ", "Sheet paper A1"}));
+  EXPECT_EQ(refs[3], (std::vector<std::string>{"C:\\h\\a.pdf", "C:\\h\\b.pdf", "C:\\h\\img.pdf",
+                                               "C:\\h\\c.pdf", "C:\\b\\door.pdf",
+                                               "C:\\b\\door2.pdf", "C:\\b\\tree.pdf"}));
+  EXPECT_EQ(walks[1].run(d)[0],
+            (std::vector<std::string>{"Front model ", "Old paper ", "Sheet paper A1"}));
   EXPECT_EQ(walks[5].run(d), (Outcome{{"A2"}, {"A2"}}));
   EXPECT_EQ(d.OpenObjects(), 0);
 }

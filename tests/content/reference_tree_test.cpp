@@ -30,14 +30,17 @@ std::vector<std::string> Ticked(const std::vector<ReferenceNode>& tree) {
 class ReferenceTreeTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    host.OpenDescription(Utf8(u8"tavlet-drawing 1\npath \"D:\\项目\\平面.dwg\"\n"
-                              u8"xref \"S\" \"D:\\项目\\总图.dwg\" resolved\nimage \"Model\" \"D:\\p\\a.jpg\"\n"
-                              u8"entity \"Model\" hyperlink \"D:\\h\\Spec.pdf\"\npicture 1 1 background 0\n"),
-                         "a.tdd");
-    host.OpenDescription("tavlet-drawing 1\npath \"C:\\b.dwg\"\nentity \"Model\" hyperlink \"d:\\h\\spec.PDF\" "
-                         "hyperlink \"http://x\"\npicture 1 1 background 0\n",
-                         "b.tdd");
-    host.OpenDescription("tavlet-drawing 1\npath \"C:\\empty.dwg\"\npicture 1 1 background 0\n", "c.tdd");
+    host.OpenDescription(
+        Utf8(u8"tavlet-drawing 1\npath \"D:\\项目\\平面.dwg\"\n"
+             u8"xref \"S\" \"D:\\项目\\总图.dwg\" resolved\nimage \"Model\" \"D:\\p\\a.jpg\"\n"
+             u8"entity \"Model\" hyperlink \"D:\\h\\Spec.pdf\"\npicture 1 1 background 0\n"),
+        "a.tdd");
+    host.OpenDescription(
+        "tavlet-drawing 1\npath \"C:\\b.dwg\"\nentity \"Model\" hyperlink \"d:\\h\\spec.PDF\" "
+        "hyperlink \"http://x\"\npicture 1 1 background 0\n",
+        "b.tdd");
+    host.OpenDescription("tavlet-drawing 1\npath \"C:\\empty.dwg\"\npicture 1 1 background 0\n",
+                         "c.tdd");
     tree = BuildReferenceTree(host, files);
   }
   MemoryFileSystem files;
@@ -67,10 +70,11 @@ TEST_F(ReferenceTreeTest, OneRootPerDrawingWithOnlyTheKindsItHas) {
 }
 
 TEST_F(ReferenceTreeTest, ClicksFlipMarksDownTheTreeAndOkTakesEachTickedFileOnce) {
-  ToggleCheck(tree[1]);                // the second drawing, all of it
-  ToggleCheck(tree[0].children[2]);    // the first one's hyperlinks
+  ToggleCheck(tree[1]);                          // the second drawing, all of it
+  ToggleCheck(tree[0].children[2]);              // the first one's hyperlinks
   ToggleCheck(tree[0].children[0].children[0]);  // its reference
-  EXPECT_EQ(Ticked(tree), (std::vector<std::string>{Utf8(u8"D:\\项目\\总图.dwg"), "D:\\h\\Spec.pdf", "http://x"}));
+  EXPECT_EQ(Ticked(tree), (std::vector<std::string>{Utf8(u8"D:\\项目\\总图.dwg"), "D:\\h\\Spec.pdf",
+                                                    "http://x"}));
   ToggleCheck(tree[1].children[0]);  // flips the kind and its items back
   EXPECT_FALSE(tree[1].children[0].children[1].checked);
   EXPECT_TRUE(tree[1].checked);

@@ -14,7 +14,8 @@ Lists Collect(SimDrawing& d, bool fill, int* nextId = nullptr) {
   int id = 5000;
   ReferenceSet sets;
   CollectReferences(nextId ? *nextId : id, sets, d.Database(), d.db, fill, d.files);
-  return {Fulls(sets.externalReferences), Fulls(sets.images), Fulls(sets.oleLinks), Fulls(sets.hyperlinks)};
+  return {Fulls(sets.externalReferences), Fulls(sets.images), Fulls(sets.oleLinks),
+          Fulls(sets.hyperlinks)};
 }
 
 void ExpectLists(const Lists& got, const Lists& want) {
@@ -48,22 +49,27 @@ TEST(CollectReferences, FindsWhatTheRulesFindAndNothingElse) {
        {{}, {}, {"C:\\t\\table.xls"}, {}}},
       {"inside a block definition only the definition's own hyperlinks count",
        "block \"Door\" hyperlink \"C:\\d\\door.pdf\"\nimage block \"Door\" \"C:\\d\\door.png\"\n"
-       "ole block \"Door\" linked \"C:\\d\\door.xls\"\nentity block \"Door\" hyperlink \"C:\\d\\inner.pdf\"\n",
+       "ole block \"Door\" linked \"C:\\d\\door.xls\"\nentity block \"Door\" hyperlink "
+       "\"C:\\d\\inner.pdf\"\n",
        {{none}, {none}, {none}, {"C:\\d\\door.pdf"}},
        {{}, {}, {}, {"C:\\d\\door.pdf"}}},
       {"erased entities are skipped",
-       "image \"Model\" \"C:\\p\\gone.jpg\" erased\nole \"Model\" linked \"C:\\p\\gone.xls\" erased\n"
-       "entity \"Model\" erased hyperlink \"C:\\p\\gone.pdf\"\nimage \"Model\" \"C:\\p\\kept.jpg\"\n",
+       "image \"Model\" \"C:\\p\\gone.jpg\" erased\nole \"Model\" linked \"C:\\p\\gone.xls\" "
+       "erased\n"
+       "entity \"Model\" erased hyperlink \"C:\\p\\gone.pdf\"\nimage \"Model\" "
+       "\"C:\\p\\kept.jpg\"\n",
        {{none}, {"C:\\p\\kept.jpg"}, {none}, {none}},
        {{}, {"C:\\p\\kept.jpg"}, {}, {}}},
       {"anonymous and dependent blocks are not plain named blocks",
-       "block \"*U3\" hyperlink \"C:\\b\\anon.pdf\"\nblock \"Site|Tree\" hyperlink \"C:\\b\\dep.pdf\"\n"
+       "block \"*U3\" hyperlink \"C:\\b\\anon.pdf\"\nblock \"Site|Tree\" hyperlink "
+       "\"C:\\b\\dep.pdf\"\n"
        "block \"Tree\" hyperlink \"C:\\b\\tree.pdf\"\n",
        {{none}, {none}, {none}, {"C:\\b\\tree.pdf"}},
        {{}, {}, {}, {"C:\\b\\tree.pdf"}}},
       {"every layout's entities are walked, model space first, then the blocks",
        "layout \"L1\"\nlayout \"L2\"\nblock \"B\" hyperlink \"4\"\nentity \"L2\" hyperlink \"3\"\n"
-       "image \"L1\" \"C:\\i\\2.png\"\nentity \"L1\" hyperlink \"2\"\nimage \"Model\" \"C:\\i\\1.png\"\n"
+       "image \"L1\" \"C:\\i\\2.png\"\nentity \"L1\" hyperlink \"2\"\nimage \"Model\" "
+       "\"C:\\i\\1.png\"\n"
        "entity \"Model\" hyperlink \"1\" hyperlink \"1b\"\n",
        {{none}, {"C:\\i\\1.png", "C:\\i\\2.png"}, {none}, {"1", "1b", "2", "3", "4"}},
        {{}, {"C:\\i\\1.png", "C:\\i\\2.png"}, {}, {"1", "1b", "2", "3", "4"}}},
@@ -72,7 +78,8 @@ TEST(CollectReferences, FindsWhatTheRulesFindAndNothingElse) {
        {{""}, {none}, {none}, {""}},
        {{""}, {}, {}, {""}}},
       {"code-page 936 names, one entry for two spellings of the Latin part",
-       Utf8(u8"xref \"总图\" \"D:\\项目\\总图.DWG\" resolved\nxref \"总图2\" \"d:\\项目\\总图.dwg\" resolved\n"
+       Utf8(u8"xref \"总图\" \"D:\\项目\\总图.DWG\" resolved\nxref \"总图2\" "
+            u8"\"d:\\项目\\总图.dwg\" resolved\n"
             u8"entity \"Model\" hyperlink \"D:\\项目\\说明.pdf\"\n"),
        {{Utf8(u8"D:\\项目\\总图.DWG")}, {none}, {none}, {Utf8(u8"D:\\项目\\说明.pdf")}},
        {{Utf8(u8"D:\\项目\\总图.DWG")}, {}, {}, {Utf8(u8"D:\\项目\\说明.pdf")}}},
@@ -128,7 +135,8 @@ TEST(CollectReferences, IdsRunThroughTheListsInOrderFromTheCallersCounter) {
 
 TEST(CollectReferences, ALinkPathLongerThanTheFramesBufferIsCutToIt) {
   const std::string folder = "C:\\" + std::string(280, 'f') + "\\";
-  SimDrawing d("ole \"Model\" linked \"" + folder + "one.xls\"\nole \"Model\" linked \"" + folder + "two.xls\"\n");
+  SimDrawing d("ole \"Model\" linked \"" + folder + "one.xls\"\nole \"Model\" linked \"" + folder +
+               "two.xls\"\n");
   Lists got = Collect(d, true);
   // Both are cut to the same 259 bytes, so they are one file for the list.
   ASSERT_EQ(got.oles.size(), 1u);
@@ -139,8 +147,8 @@ TEST(CollectReferences, ACutThatSplitsACharacterComparesAsTheRuntimeDoes) {
   // 258 ASCII bytes then a double-byte character: the cut keeps its lead byte
   // alone, which _mbscmp doesn't see; the same path without it is the same file.
   const std::string head = "C:\\" + std::string(255, 'g');
-  SimDrawing d(Utf8(u8"ole \"Model\" linked \"") + head + Utf8(u8"图x.xls\"\n") + "ole \"Model\" linked \"" + head +
-               "\"\n");
+  SimDrawing d(Utf8(u8"ole \"Model\" linked \"") + head + Utf8(u8"图x.xls\"\n") +
+               "ole \"Model\" linked \"" + head + "\"\n");
   int id = 0;
   ReferenceSet sets;
   CollectReferences(id, sets, d.Database(), d.db, false, d.files);
@@ -152,9 +160,13 @@ TEST(CollectReferences, TwoDrawingsThatReferenceEachOtherEachListTheOther) {
   sim::SimHost host;
   MemoryFileSystem files;
   port::Document a = host.OpenDescription(
-      "tavlet-drawing 1\npath \"C:\\a.dwg\"\nxref \"B\" \"C:\\b.dwg\" resolved\npicture 1 1 background 0\n", "a.tdd");
+      "tavlet-drawing 1\npath \"C:\\a.dwg\"\nxref \"B\" \"C:\\b.dwg\" resolved\npicture 1 1 "
+      "background 0\n",
+      "a.tdd");
   port::Document b = host.OpenDescription(
-      "tavlet-drawing 1\npath \"C:\\b.dwg\"\nxref \"A\" \"C:\\a.dwg\" resolved\npicture 1 1 background 0\n", "b.tdd");
+      "tavlet-drawing 1\npath \"C:\\b.dwg\"\nxref \"A\" \"C:\\a.dwg\" resolved\npicture 1 1 "
+      "background 0\n",
+      "b.tdd");
   for (auto [doc, other] : {std::pair{a, "C:\\b.dwg"}, std::pair{b, "C:\\a.dwg"}}) {
     port::Database db = nullptr;
     host.Documents()->DatabaseOf(doc, &db);

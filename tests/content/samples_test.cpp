@@ -17,9 +17,11 @@ namespace {
 // from the running program; empty when neither leads to it.
 std::filesystem::path SamplesFolder() {
   std::error_code error;
-  for (std::filesystem::path start : {std::filesystem::path(__FILE__).parent_path(),
-                                      std::filesystem::read_symlink("/proc/self/exe", error).parent_path()}) {
-    for (std::filesystem::path p = std::filesystem::absolute(start, error); !p.empty(); p = p.parent_path()) {
+  for (std::filesystem::path start :
+       {std::filesystem::path(__FILE__).parent_path(),
+        std::filesystem::read_symlink("/proc/self/exe", error).parent_path()}) {
+    for (std::filesystem::path p = std::filesystem::absolute(start, error); !p.empty();
+         p = p.parent_path()) {
       if (std::filesystem::exists(p / "samples" / "plan.tdd", error)) return p / "samples";
       if (p == p.root_path()) break;
     }
@@ -62,9 +64,11 @@ TEST(Samples, ThePlanShowsEveryKindOfList) {
   CollectLayerStates(id, states, *plan.host.Databases(), plan.db, true);
   CollectViews(id, views, *plan.host.Databases(), plan.db, true);
   EXPECT_EQ(Texts(layouts), (std::vector<std::string>{"Model", Utf8(u8"布局1"), "Layout2"}));
-  EXPECT_EQ(Fulls(refs.externalReferences), std::vector<std::string>{Utf8(u8"D:\\项目\\办公楼\\总图.tdd")});
-  EXPECT_EQ(Fulls(refs.images), (std::vector<std::string>{Utf8(u8"D:\\项目\\办公楼\\照片\\入口.jpg"),
-                                                          Utf8(u8"D:\\项目\\办公楼\\照片\\立面.png")}));
+  EXPECT_EQ(Fulls(refs.externalReferences),
+            std::vector<std::string>{Utf8(u8"D:\\项目\\办公楼\\总图.tdd")});
+  EXPECT_EQ(Fulls(refs.images),
+            (std::vector<std::string>{Utf8(u8"D:\\项目\\办公楼\\照片\\入口.jpg"),
+                                      Utf8(u8"D:\\项目\\办公楼\\照片\\立面.png")}));
   EXPECT_EQ(Fulls(refs.oleLinks), std::vector<std::string>{Utf8(u8"D:\\项目\\办公楼\\门窗表.xls")});
   EXPECT_EQ(Fulls(refs.hyperlinks),
             (std::vector<std::string>{"http://example.com/details", "http://example.com/facade",
@@ -72,8 +76,9 @@ TEST(Samples, ThePlanShowsEveryKindOfList) {
   EXPECT_EQ(Texts(states), (std::vector<std::string>{Utf8(u8"墙体关闭"), "Print"}));
   std::vector<std::string> viewLines;
   for (const auto& [key, v] : views) viewLines.push_back(text::ToUtf8(v.name + "/" + v.layout));
-  EXPECT_EQ(viewLines, (std::vector<std::string>{"Detail/", "Old sheet/", "Sheet A/" + Utf8(u8"布局1"),
-                                                 Utf8(u8"入口/"), Utf8(u8"总图|Site/")}));
+  EXPECT_EQ(viewLines,
+            (std::vector<std::string>{"Detail/", "Old sheet/", "Sheet A/" + Utf8(u8"布局1"),
+                                      Utf8(u8"入口/"), Utf8(u8"总图|Site/")}));
   EXPECT_EQ(id, 5000 + 3 + 1 + 2 + 1 + 3 + 2 + 5);
   EXPECT_EQ(plan.host.OpenDatabaseObjects(), 0);
 }
@@ -86,8 +91,9 @@ TEST(Samples, TheSiteReferencesThePlanAndItself) {
   int id = 0;
   ReferenceSet refs;
   CollectReferences(id, refs, *site.host.Databases(), site.db, false, files);
-  EXPECT_EQ(Fulls(refs.externalReferences), (std::vector<std::string>{Utf8(u8"D:\\项目\\办公楼\\平面图.dwg"),
-                                                                      Utf8(u8"D:\\项目\\办公楼\\总图.tdd")}));
+  EXPECT_EQ(Fulls(refs.externalReferences),
+            (std::vector<std::string>{Utf8(u8"D:\\项目\\办公楼\\平面图.dwg"),
+                                      Utf8(u8"D:\\项目\\办公楼\\总图.tdd")}));
   EXPECT_TRUE(refs.images.empty());
   EXPECT_EQ(Fulls(refs.hyperlinks), std::vector<std::string>{Utf8(u8"D:\\项目\\办公楼\\树.pdf")});
   IdMap<std::string> states;

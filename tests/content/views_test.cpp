@@ -20,7 +20,8 @@ std::vector<ViewLine> Views(SimDrawing& d, bool fill = true) {
   CollectViews(id, views, d.Database(), d.db, fill);
   std::vector<ViewLine> out;
   for (const auto& [key, v] : views)
-    out.push_back({v.isModelView, text::ToUtf8(v.name), text::ToUtf8(v.layout), v.centerX, v.centerY});
+    out.push_back(
+        {v.isModelView, text::ToUtf8(v.name), text::ToUtf8(v.layout), v.centerX, v.centerY});
   return out;
 }
 
@@ -34,7 +35,7 @@ TEST(CollectViews, ListsByByteOrderOfNamesWithSpaceLayoutAndCentre) {
       "view \"Site|Plan\" model 9 10 10 10 dependent\n"
       "view \"Back\" model 0 0 10 10\n");
   const std::vector<ViewLine> want = {
-      {true, "Back", "", 0, 0},    {false, "Old", "", 5, 6},          {false, "Other", "", 7, 8},
+      {true, "Back", "", 0, 0},     {false, "Old", "", 5, 6},       {false, "Other", "", 7, 8},
       {false, "Sheet", "A1", 3, 4}, {true, "Site|Plan", "", 9, 10}, {true, "front", "", 1, 2},
   };
   EXPECT_EQ(Views(d), want);
@@ -95,7 +96,8 @@ TEST(ViewLayout, ARegistrationRefusedIsPrintedAndNothingIsWritten) {
   // Without the lock the table of applications refuses the new record.
   d.host.Faults().Fail("DocManager::LockDocument", 1, port::kFail, "busy");
   WriteViewLayout("V", "L", d.host, d.doc);
-  EXPECT_EQ(text::ToUtf8(d.host.Transcript()), Utf8(u8"无法注册 MRVN_TAVLET appid - eLockViolation"));
+  EXPECT_EQ(text::ToUtf8(d.host.Transcript()),
+            Utf8(u8"无法注册 MRVN_TAVLET appid - eLockViolation"));
   EXPECT_FALSE(d.host.Find(d.doc)->content.views[0].paperSpace);
   EXPECT_EQ(d.host.Faults().Count("DocManager::UnlockDocument"), 0);
 }
@@ -133,7 +135,8 @@ TEST(AssignViewLayout, AsksOnlyAmongSeveralLayoutsAndOnlyOnce) {
 }
 
 TEST(CollectLayouts, BlockTableOrderWithModelSpaceAndTheFillRule) {
-  SimDrawing d(Utf8(u8"layout \"布局1\"\nlayout \"Layout2\"\nxref \"X\" \"C:\\x.dwg\" resolved\nblock \"B\"\n"));
+  SimDrawing d(Utf8(
+      u8"layout \"布局1\"\nlayout \"Layout2\"\nxref \"X\" \"C:\\x.dwg\" resolved\nblock \"B\"\n"));
   int id = 0;
   IdMap<std::string> layouts;
   CollectLayouts(id, layouts, d.Database(), d.db, true);
@@ -154,7 +157,9 @@ TEST(CollectLayerStates, DictionaryOrderOrOneNotFound) {
     std::vector<std::string> want;
   };
   const std::vector<Case> cases = {
-      {"states in the dictionary's order", Utf8(u8"layer-state \"墙体关闭\"\nlayer-state \"Print\"\n"), true,
+      {"states in the dictionary's order",
+       Utf8(u8"layer-state \"墙体关闭\"\nlayer-state \"Print\"\n"),
+       true,
        {Utf8(u8"墙体关闭"), "Print"}},
       {"no layer states", "", true, {kNone}},
       {"no layer states, dialog", "", false, {}},

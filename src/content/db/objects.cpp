@@ -14,6 +14,14 @@ std::optional<std::string> TextOf(Call call) {
   return std::move(sink.text);
 }
 
+// The object a call hands out, or none when the call fails.
+template <class T, class Call>
+host::PortPtr<T> Received(Call call) {
+  host::PortPtr<T> object;
+  if (port::Failed(call(object.Receive()))) return {};
+  return object;
+}
+
 class XDataCollector final : public port::XDataSink {
  public:
   void TAVLET_PORT_CALL Item(long groupCode, const char* text, long length) override {
@@ -31,7 +39,8 @@ std::vector<std::string> HyperlinkNames(port::HyperlinkHolder& holder) {
   long count = 0;
   if (port::Failed(links->Count(&count))) return names;
   for (long i = 0; i < count; ++i)
-    if (auto name = TextOf([&](port::TextSink* s) { return links->Name(i, s); })) names.push_back(std::move(*name));
+    if (auto name = TextOf([&](port::TextSink* s) { return links->Name(i, s); }))
+      names.push_back(std::move(*name));
   return names;
 }
 
@@ -52,7 +61,8 @@ std::optional<std::string> Entity::OleLink(long bufferSize) const {
   if (!p_ || bufferSize <= 0) return std::nullopt;
   std::string buffer(static_cast<std::size_t>(bufferSize), '\0');
   bool present = false;
-  if (port::Failed(p_->OleLinkPath(buffer.data(), bufferSize, &present)) || !present) return std::nullopt;
+  if (port::Failed(p_->OleLinkPath(buffer.data(), bufferSize, &present)) || !present)
+    return std::nullopt;
   buffer.resize(buffer.find('\0') == std::string::npos ? buffer.size() : buffer.find('\0'));
   return buffer;
 }
@@ -82,7 +92,8 @@ bool RecordWalk::Next(port::ObjectId& id) {
 
 BlockRecord BlockRecord::Open(port::DrawingDatabase& database, port::ObjectId id) {
   BlockRecord record;
-  if (port::Failed(database.OpenBlockRecord(id, record.p_.Receive()))) record.p_ = {};
+  record.p_ = Received<port::BlockRecord>(
+      [&](port::BlockRecord** out) { return database.OpenBlockRecord(id, out); });
   return record;
 }
 
@@ -111,9 +122,9 @@ std::optional<std::string> BlockRecord::LayoutName(long* tabOrder) const {
 }
 
 EntityWalk BlockRecord::Entities() const {
-  host::PortPtr<port::EntityIterator> walk;
-  if (!p_ || port::Failed(p_->NewIterator(walk.Receive()))) return EntityWalk();
-  return EntityWalk(std::move(walk));
+  if (!p_) return EntityWalk();
+  return EntityWalk(Received<port::EntityIterator>(
+      [&](port::EntityIterator** out) { return p_->NewIterator(out); }));
 }
 
 std::vector<std::string> BlockRecord::Hyperlinks() const {
@@ -123,20 +134,22 @@ std::vector<std::string> BlockRecord::Hyperlinks() const {
 
 BlockTable BlockTable::Open(port::DrawingDatabase& database, port::Database db) {
   BlockTable table;
-  if (port::Failed(database.OpenBlockTable(db, table.p_.Receive()))) table.p_ = {};
+  table.p_ = Received<port::SymbolTable>(
+      [&](port::SymbolTable** out) { return database.OpenBlockTable(db, out); });
   return table;
 }
 
-RecordWalk BlockTable::Records() const {
-  host::PortPtr<port::SymbolTableIterator> walk;
-  if (!p_ || port::Failed(p_->NewIterator(walk.Receive()))) return RecordWalk();
-  return RecordWalk(std::move(walk));
+RecordWalk RecordsOf(port::SymbolTable* table) {
+  if (!table) return RecordWalk();
+  return RecordWalk(Received<port::SymbolTableIterator>(
+      [&](port::SymbolTableIterator** out) { return table->NewIterator(out); }));
 }
 
+RecordWalk BlockTable::Records() const { return RecordsOf(p_.Get()); }
+
 ViewRecord ViewRecord::Open(port::DrawingDatabase& database, port::ObjectId id) {
-  host::PortPtr<port::ViewRecord> p;
-  if (port::Failed(database.OpenViewRecord(id, p.Receive()))) return ViewRecord();
-  return ViewRecord(std::move(p));
+  return ViewRecord(Received<port::ViewRecord>(
+      [&](port::ViewRecord** out) { return database.OpenViewRecord(id, out); }));
 }
 
 bool ViewRecord::Info(port::ViewRecordInfo& info, std::string& name) const {
@@ -153,7 +166,9 @@ XDataList ViewRecord::XData(const char* application) const {
   return std::move(collector.items);
 }
 
-bool ViewRecord::SetPaperSpace(bool paperSpace) const { return p_ && port::Succeeded(p_->SetPaperSpace(paperSpace)); }
+bool ViewRecord::SetPaperSpace(bool paperSpace) const {
+  return p_ && port::Succeeded(p_->SetPaperSpace(paperSpace));
+}
 
 bool ViewRecord::SetXData(const XDataList& items) const {
   if (!p_) return false;
@@ -164,15 +179,12 @@ bool ViewRecord::SetXData(const XDataList& items) const {
 
 ViewTable ViewTable::Open(port::DrawingDatabase& database, port::Database db) {
   ViewTable table;
-  if (port::Failed(database.OpenViewTable(db, table.p_.Receive()))) table.p_ = {};
+  table.p_ = Received<port::ViewTable>(
+      [&](port::ViewTable** out) { return database.OpenViewTable(db, out); });
   return table;
 }
 
-RecordWalk ViewTable::Records() const {
-  host::PortPtr<port::SymbolTableIterator> walk;
-  if (!p_ || port::Failed(p_->NewIterator(walk.Receive()))) return RecordWalk();
-  return RecordWalk(std::move(walk));
-}
+RecordWalk ViewTable::Records() const { return RecordsOf(p_.Get()); }
 
 ViewRecord ViewTable::GetAt(const std::string& name, bool forWrite) const {
   host::PortPtr<port::ViewRecord> record;
@@ -193,14 +205,15 @@ bool EntryWalk::Next(std::string& name) {
 
 Dictionary Dictionary::Open(port::DrawingDatabase& database, port::ObjectId id) {
   Dictionary dictionary;
-  if (port::Failed(database.OpenDictionary(id, dictionary.p_.Receive()))) dictionary.p_ = {};
+  dictionary.p_ = Received<port::Dictionary>(
+      [&](port::Dictionary** out) { return database.OpenDictionary(id, out); });
   return dictionary;
 }
 
 EntryWalk Dictionary::Entries() const {
-  host::PortPtr<port::DictionaryIterator> walk;
-  if (!p_ || port::Failed(p_->NewIterator(walk.Receive()))) return EntryWalk();
-  return EntryWalk(std::move(walk));
+  if (!p_) return EntryWalk();
+  return EntryWalk(Received<port::DictionaryIterator>(
+      [&](port::DictionaryIterator** out) { return p_->NewIterator(out); }));
 }
 
 }  // namespace tavlet::content::db

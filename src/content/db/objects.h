@@ -65,6 +65,9 @@ class RecordWalk {
   host::PortPtr<port::SymbolTableIterator> p_;
 };
 
+// A new walk over a symbol table's records; an empty walk when none can be made.
+RecordWalk RecordsOf(port::SymbolTable* table);
+
 class BlockRecord {
  public:
   static BlockRecord Open(port::DrawingDatabase& database, port::ObjectId id);

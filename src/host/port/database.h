@@ -122,8 +122,8 @@ class SymbolTable : public Counted {
 };
 
 struct ViewRecordInfo {
-  bool paperSpace = false;  // isPaperspaceView
-  bool dependent = false;   // isDependent
+  bool paperSpace = false;          // isPaperspaceView
+  bool dependent = false;           // isDependent
   double centerX = 0, centerY = 0;  // AcDbAbstractViewTableRecord::centerPoint
 };
 
@@ -196,20 +196,23 @@ class DrawingDatabase {
   virtual Result TAVLET_PORT_CALL LayerStatesDictionary(Database db, ObjectId* dictionary) = 0;
   virtual Result TAVLET_PORT_CALL OpenDictionary(ObjectId id, Dictionary** dictionary) = 0;
   // restoreLayerState(name); the document must be locked for write.
-  virtual Result TAVLET_PORT_CALL RestoreLayerState(Database db, const char* name, long* acadStatus) = 0;
+  virtual Result TAVLET_PORT_CALL RestoreLayerState(Database db, const char* name,
+                                                    long* acadStatus) = 0;
 
   // The table of applications opened for write, a new AcDbRegAppTableRecord
   // with setName, add (the record deleted when refused, closed otherwise), the
   // table closed. `acadStatus` kAcadOk, kAcadDuplicateRecordName or another.
-  virtual Result TAVLET_PORT_CALL AddRegApp(Database db, const char* application, long* acadStatus) = 0;
+  virtual Result TAVLET_PORT_CALL AddRegApp(Database db, const char* application,
+                                            long* acadStatus) = 0;
   virtual Result TAVLET_PORT_CALL ErrorStatusText(long acadStatus, TextSink* text) = 0;
 
   // acdbGetSummaryInfo: `present` false when it gives no object.
   virtual Result TAVLET_PORT_CALL HasSummaryInfo(Database db, bool* present) = 0;
-  virtual Result TAVLET_PORT_CALL SummaryText(Database db, long field, TextSink* value, long* acadStatus) = 0;
+  virtual Result TAVLET_PORT_CALL SummaryText(Database db, long field, TextSink* value,
+                                              long* acadStatus) = 0;
   virtual Result TAVLET_PORT_CALL CustomSummaryCount(Database db, long* count) = 0;
-  virtual Result TAVLET_PORT_CALL CustomSummary(Database db, long index, TextSink* key, TextSink* value,
-                                                long* acadStatus) = 0;
+  virtual Result TAVLET_PORT_CALL CustomSummary(Database db, long index, TextSink* key,
+                                                TextSink* value, long* acadStatus) = 0;
 
  protected:
   ~DrawingDatabase() = default;
