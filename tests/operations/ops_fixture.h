@@ -16,6 +16,7 @@
 #include "sim/memory_file_system.h"
 #include "sim/sim_host.h"
 #include "sim/sim_shell.h"
+#include "text/codepage.h"
 
 namespace tavlet::operations {
 
@@ -30,8 +31,9 @@ class RecordingLayouts final : public ViewLayoutWriter {
 };
 
 // A drawing description at a ".dwg" path, so that the open treats it as a drawing.
+// Descriptions are UTF-8; the texts here are code page 936.
 inline std::string Drawing(const std::string& path, const std::string& extra = "") {
-  return "tavlet-drawing 1\npath \"" + path + "\"\n" + extra + "picture 4 3 background 0x000000\n";
+  return text::ToUtf8("tavlet-drawing 1\npath \"" + path + "\"\n" + extra + "picture 4 3 background 0x000000\n");
 }
 
 class OpsFixture : public ::testing::Test {
