@@ -86,11 +86,14 @@ void DrawingOperations::OnQuickPlotAll() {
     ModelessNotice(*services_.session.EditorService(), "TL_QuickPlotAll");
     port::Editor& editor = *services_.session.EditorService();
     SystemVariableGuard backgroundPlot(editor, "BACKGROUNDPLOT", true);
-    // In the foreground the plots run one after the other.
-    port::Value foreground;
-    foreground.type = port::kValueShort;
-    foreground.integer = 0;
-    host::ThrowIfFailed(editor.SetVariable("BACKGROUNDPLOT", &foreground));
+    // In the foreground the plots run one after the other. A value that could
+    // not be read could not be given back either, so it is left as it is.
+    if (backgroundPlot.Read()) {
+      port::Value foreground;
+      foreground.type = port::kValueShort;
+      foreground.integer = 0;
+      host::ThrowIfFailed(editor.SetVariable("BACKGROUNDPLOT", &foreground));
+    }
     Walk([&](const host::AcadDocumentPtr& document) {
       QuickPlotDrawing(document);
       return true;
