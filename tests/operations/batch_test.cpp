@@ -296,3 +296,46 @@ TEST_F(BatchTest, PlotSetupAndPlotActOnTheContextDrawingOnly) {
 
 }  // namespace
 }  // namespace tavlet::operations
+
+namespace tavlet::operations {
+namespace {
+
+// A start-up that found no automation leaves a null application: every use ends
+// in the ordinary error box, not in a crash.
+TEST_F(BatchTest, WithoutTheApplicationEveryHandlerEndsInTheErrorBox) {
+  OpenMany({"dbmod 1\n"});
+  host.SetApplicationMissing(true);
+  DrawingOperations ops(OperationServices{host, host::GetAcadApplication(host), windows, store, files, recent, shell,
+                                          nullptr, bar});
+  ops.contextDocument = host.MdiActive();
+  ops.OnSaveAll();
+  ops.OnCloseAll();
+  host.QueueBoxAnswer(port::kAnswerYes);
+  ops.OnCloseAllNoSave();
+  ops.OnSaveAndCloseAll();
+  Lines boxes = BoxTexts();
+  ASSERT_EQ(boxes.size(), 5u);
+  EXPECT_EQ(boxes, (Lines{"错误 [0x80004003]\n", "错误 [0x80004003]\n", "放弃任何改动?", "错误 [0x80004003]\n",
+                          "错误 [0x80004003]\n"}));
+  EXPECT_EQ(host.OpenDocuments().size(), 1u);
+}
+
+}  // namespace
+}  // namespace tavlet::operations
+
+namespace tavlet::operations {
+namespace {
+
+// The question's modal loop lets the host run: a drawing closed there shifts the
+// indices, and the walk, which holds no drawing across a step, meets a bad index
+// and ends in the error box instead of touching a closed drawing.
+TEST_F(BatchTest, ADrawingClosedDuringAQuestionEndsTheWalkCleanly) {
+  std::vector<port::Document> docs = OpenMany({"dbmod 1\n", "dbmod 1\n", "dbmod 1\n"});
+  host.QueueBoxAnswer(port::kAnswerNo, [&] { host.CloseDrawing(docs[0]); });
+  Ops().OnCloseAll();
+  EXPECT_EQ(BoxTexts(), (Lines{"Save changes to 3?", "错误 [0x8002000B]\nInvalid index"}));
+  EXPECT_EQ(Open(docs), (Lines{"2"}));
+}
+
+}  // namespace
+}  // namespace tavlet::operations
