@@ -5,44 +5,11 @@
 namespace tavlet::operations {
 namespace {
 
-class BatchTest : public OpsFixture {
- protected:
-  BatchTest() {
-    windows.AddWindow(bar, "MvTavlet", host.WindowNamed("frame"), {0, 0, 100, 700});
-    windows.ClearLog();
-  }
-  // Which of `docs` are still open, as "1", "2", ... in order.
-  Lines Open(const std::vector<port::Document>& docs) {
-    Lines out;
-    for (std::size_t i = 0; i < docs.size(); ++i)
-      if (IsOpen(docs[i])) out.push_back(std::to_string(i + 1));
-    return out;
-  }
-  using OpsFixture::Open;
-  // The names of the drawings the commands were sent to, in order: "2 _.QSAVE".
-  Lines Saves() {
-    Lines out;
-    std::string t = host.Transcript();
-    for (std::size_t at = t.find("Command: "); at != std::string::npos; at = t.find("Command: ", at + 1))
-      out.push_back(t.substr(at + 9, t.find('\n', at) - at - 9));
-    return out;
-  }
-  bool FrameVisible() { return windows.Find(host.WindowNamed("frame"))->visible; }
-  long BackgroundPlot() {
-    port::Value v;
-    host.EditorService()->GetVariable("BACKGROUNDPLOT", &v, nullptr);
-    return v.integer;
-  }
-  Lines PlotsMade() {
-    Lines out;
-    for (const sim::SimHost::PlotRecord& p : host.Plots())
-      out.push_back(p.drawing + " " + p.layout + " bg " + std::to_string(p.backgroundPlot));
-    return out;
-  }
-};
+using BatchTest = OpsFixture;
 
 TEST_F(BatchTest, SaveAllSavesFromTheLastToTheFirstAndReturnsToTheActiveDrawing) {
-  std::vector<port::Document> docs = OpenMany({"dbmod 1\n", "read-only yes\ndbmod 1\n", "dbmod 1\n", "dbmod 1\n"});
+  std::vector<port::Document> docs = OpenMany(
+      {"dbmod 1\n", "read-only yes\ndbmod 1\n", "layout \"A1\"\nactive-layout \"A1\"\ncvport 3\ndbmod 1\n", "dbmod 1\n"});
   host.Activate(docs[1]);
   Ops();
   host.Faults().ClearLog();
@@ -53,7 +20,7 @@ TEST_F(BatchTest, SaveAllSavesFromTheLastToTheFirstAndReturnsToTheActiveDrawing)
   ASSERT_GE(log.size(), 3u);
   EXPECT_EQ(log[0], "Editor::ModelessOperationStart");
   EXPECT_EQ(log[1], "Editor::ModelessOperationEnded");
-  EXPECT_EQ(Saves(), (Lines{"_.QSAVE", "_.QSAVE", "_.QSAVE"}));
+  EXPECT_EQ(TranscriptLines(), (Lines{"Command: _.QSAVE", "Command: _.PSPACE", "Command: _.QSAVE", "Command: _.QSAVE"}));
   EXPECT_EQ(Dbmod(docs[0]), 0);
   EXPECT_EQ(Dbmod(docs[1]), 1);  // read-only: untouched
   EXPECT_EQ(Dbmod(docs[2]), 0);
@@ -80,32 +47,21 @@ TEST_F(BatchTest, SaveAllGoesOnPastAFailedSaveButNotPastAFailedWalk) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
-    MemoryFileSystem caseFiles;
-    sim::SimHost caseHost(caseFiles);
-    host::ScopedSession caseSession(&caseHost);
-    sim::FakeWindowSystem caseWindows;
-    sim::AddSimHostWindows(caseWindows, caseHost);
-    DrawingOperations ops(OperationServices{caseHost, host::GetAcadApplication(caseHost), caseWindows, store,
-                                            caseFiles, recent, shell, nullptr, bar});
-    std::vector<port::Document> docs;
-    for (int i = 1; i <= 3; ++i) {
-      caseFiles.AddFile(PathOf(i), Drawing(PathOf(i), "dbmod 1\n"));
-      docs.push_back(caseHost.OpenDrawing(PathOf(i)));
-    }
-    caseHost.Activate(docs[0]);
+    Environment e;
+    DrawingOperations ops(e.Services());
+    std::vector<port::Document> docs = e.OpenMany({"dbmod 1\n", "dbmod 1\n", "dbmod 1\n"});
+    e.host.Activate(docs[0]);
     const bool hostException = std::string(c.what).find("exception") != std::string::npos;
-    caseHost.Faults().Fail(c.call, c.occurrence, hostException ? port::kHostException : port::kFail, "busy");
+    e.host.Faults().Fail(c.call, c.occurrence, hostException ? port::kHostException : port::kFail, "busy");
     ops.OnSaveAll();
-    Lines boxes;
-    for (const sim::ShownBox& b : caseHost.ShownBoxes()) boxes.push_back(b.text);
-    EXPECT_EQ(boxes, c.boxes);
+    EXPECT_EQ(e.BoxTexts(), c.boxes);
     if (hostException) {
-      EXPECT_EQ(caseHost.Transcript(), "未知的错误在 MvTavlet::OnSaveAll()!\nCommand: _.QSAVE\nCommand: _.QSAVE\n");
+      EXPECT_EQ(e.host.Transcript(), "未知的错误在 MvTavlet::OnSaveAll()!\nCommand: _.QSAVE\nCommand: _.QSAVE\n");
     }
-    for (std::size_t i = 0; i < docs.size(); ++i) EXPECT_EQ(caseHost.Find(docs[i])->dbmod, c.dbmods[i]) << i;
-    EXPECT_EQ(caseHost.MdiActive() == docs[0], c.backToActive);
+    for (std::size_t i = 0; i < docs.size(); ++i) EXPECT_EQ(e.Dbmod(docs[i]), c.dbmods[i]) << i;
+    EXPECT_EQ(e.host.MdiActive() == docs[0], c.backToActive);
     // The bar is repainted in every case.
-    EXPECT_EQ(caseWindows.LogOf("RedrawWindow").size(), 1u);
+    EXPECT_EQ(e.windows.LogOf("RedrawWindow"), (Lines{"RedrawWindow MvTavlet 0x105"}));
   }
 }
 
@@ -116,7 +72,7 @@ TEST_F(BatchTest, CloseAllCancelledAtTheSecondDrawingKeepsItAndTheOlderOnes) {
   Ops().OnCloseAll();
   EXPECT_EQ(host.Notices(), (Lines{"start TL_CloseAll", "ended TL_CloseAll"}));
   EXPECT_EQ(BoxTexts(), (Lines{"Save changes to 3?", "Save changes to 2?"}));
-  EXPECT_EQ(Open(docs), (Lines{"1", "2"}));
+  EXPECT_EQ(StillOpen(docs), (Lines{"1", "2"}));
   EXPECT_EQ(host.SentCommands(), (Lines{"_.QSAVE\n"}));
 }
 
@@ -125,7 +81,7 @@ TEST_F(BatchTest, CloseAllAsksOnlyAboutModifiedDrawingsAndNoClosesWithoutSaving)
   host.QueueBoxAnswer(port::kAnswerNo);
   Ops().OnCloseAll();
   EXPECT_EQ(BoxTexts(), (Lines{"Save changes to 2?"}));
-  EXPECT_EQ(Open(docs), Lines{});
+  EXPECT_EQ(StillOpen(docs), Lines{});
   EXPECT_TRUE(host.SentCommands().empty());
 }
 
@@ -141,7 +97,7 @@ TEST_F(BatchTest, SaveAndCloseAllLeavesChangesAFailedSaveLeftToTheHost) {
   EXPECT_EQ(host.SentCommands(), (Lines{"_.QSAVE\n", "_.QSAVE\n"}));  // the new drawing, then the first
   EXPECT_EQ(BoxTexts(), (Lines{"Save changes to Drawing1.dwg?", "Save changes to " + PathOf(2) + "?"}));
   EXPECT_FALSE(IsOpen(fresh));
-  EXPECT_EQ(Open(docs), Lines{});
+  EXPECT_EQ(StillOpen(docs), Lines{});
   EXPECT_FALSE(host.QuitRequested());
 }
 
@@ -153,7 +109,7 @@ TEST_F(BatchTest, CloseAllWithoutSavingAsksFirstAndHasNoNotice) {
     Ops().OnCloseAllNoSave();
     EXPECT_EQ(host.ShownBoxes().back().text, "放弃任何改动?");
     EXPECT_EQ(host.ShownBoxes().back().type, port::kBoxYesNo);
-    EXPECT_EQ(Open(docs), answer == port::kAnswerYes ? Lines{} : (Lines{"1", "2"}));
+    EXPECT_EQ(StillOpen(docs), answer == port::kAnswerYes ? Lines{} : (Lines{"1", "2"}));
   }
   EXPECT_TRUE(host.Notices().empty());
   EXPECT_TRUE(host.SentCommands().empty());
@@ -166,7 +122,7 @@ TEST_F(BatchTest, ExitWithoutSavingSendsItsNoticeBeforeTheQuestion) {
   Ops().OnExitNoSave();
   EXPECT_EQ(host.Notices(), (Lines{"start TL_ExitNoSave", "ended TL_ExitNoSave"}));
   EXPECT_EQ(BoxTexts(), (Lines{"放弃任何改动?"}));
-  EXPECT_EQ(Open(docs), (Lines{"1", "2"}));
+  EXPECT_EQ(StillOpen(docs), (Lines{"1", "2"}));
   EXPECT_TRUE(FrameVisible());
   EXPECT_FALSE(host.QuitRequested());
 
@@ -174,7 +130,7 @@ TEST_F(BatchTest, ExitWithoutSavingSendsItsNoticeBeforeTheQuestion) {
   Ops().OnExitNoSave();
   EXPECT_EQ(windows.LogOf("ShowWindow"), (Lines{"ShowWindow frame 0"}));
   EXPECT_FALSE(FrameVisible());
-  EXPECT_EQ(Open(docs), Lines{});
+  EXPECT_EQ(StillOpen(docs), Lines{});
   EXPECT_TRUE(host.SentCommands().empty());
   EXPECT_TRUE(host.QuitRequested());
 }
@@ -194,16 +150,13 @@ TEST_F(BatchTest, ExitSavingAllQuitsAlsoWithNoDrawing) {
   EXPECT_TRUE(host.QuitRequested());
   EXPECT_EQ(host.Notices(), (Lines{"start TL_ExitSaveAll", "ended TL_ExitSaveAll"}));
 
-  sim::SimHost second(files);
-  host::ScopedSession secondSession(&second);
-  DrawingOperations ops(OperationServices{second, host::GetAcadApplication(second), windows, store, files, recent,
-                                          shell});
-  files.AddFile(PathOf(1), Drawing(PathOf(1), "dbmod 1\n"));
-  port::Document doc = second.OpenDrawing(PathOf(1));
+  Environment second;
+  DrawingOperations ops(second.Services());
+  port::Document doc = second.Open(PathOf(1), "dbmod 1\n");
   ops.OnExitSaveAll();
-  EXPECT_TRUE(second.Find(doc)->closed);
-  EXPECT_EQ(second.SentCommands(), (Lines{"_.QSAVE\n"}));
-  EXPECT_TRUE(second.QuitRequested());
+  EXPECT_FALSE(second.IsOpen(doc));
+  EXPECT_EQ(second.host.SentCommands(), (Lines{"_.QSAVE\n"}));
+  EXPECT_TRUE(second.host.QuitRequested());
 }
 
 TEST_F(BatchTest, QuickPlotAllPlotsInTheForegroundAndRestoresBackgroundPlot) {
@@ -220,34 +173,19 @@ TEST_F(BatchTest, QuickPlotAllPlotsInTheForegroundAndRestoresBackgroundPlot) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
-    MemoryFileSystem caseFiles;
-    sim::SimHost caseHost(caseFiles);
-    host::ScopedSession caseSession(&caseHost);
-    DrawingOperations ops(OperationServices{caseHost, host::GetAcadApplication(caseHost), windows, store, caseFiles,
-                                            recent, shell});
-    const Lines extras = {"", "layout \"A1\"\nactive-layout \"A1\"\n", ""};
-    std::vector<port::Document> docs;
-    for (int i = 1; i <= 3; ++i) {
-      caseFiles.AddFile(PathOf(i), Drawing(PathOf(i), extras[i - 1]));
-      docs.push_back(caseHost.OpenDrawing(PathOf(i)));
-    }
-    caseHost.Activate(docs[0]);
-    if (c.failingPlot) caseHost.Faults().Fail("AcadPlot::PlotToDevice", c.failingPlot, port::kFail, "no plotter");
+    Environment e;
+    DrawingOperations ops(e.Services());
+    std::vector<port::Document> docs = e.OpenMany({"", "layout \"A1\"\nactive-layout \"A1\"\n", ""});
+    e.host.Activate(docs[0]);
+    if (c.failingPlot) e.host.Faults().Fail("AcadPlot::PlotToDevice", c.failingPlot, port::kFail, "no plotter");
     ops.OnQuickPlotAll();
-    Lines plots;
-    for (const sim::SimHost::PlotRecord& p : caseHost.Plots())
-      plots.push_back(p.drawing + " " + p.layout + " bg " + std::to_string(p.backgroundPlot));
-    EXPECT_EQ(plots, c.plots);
-    Lines boxes;
-    for (const sim::ShownBox& b : caseHost.ShownBoxes()) boxes.push_back(b.text);
-    EXPECT_EQ(boxes, c.boxes);
-    port::Value v;
-    caseHost.EditorService()->GetVariable("BACKGROUNDPLOT", &v, nullptr);
-    EXPECT_EQ(v.integer, 2);
-    EXPECT_EQ(caseHost.Notices(), (Lines{"start TL_QuickPlotAll", "ended TL_QuickPlotAll"}));
+    EXPECT_EQ(e.PlotsMade(), c.plots);
+    EXPECT_EQ(e.BoxTexts(), c.boxes);
+    EXPECT_EQ(e.BackgroundPlot(), 2);
+    EXPECT_EQ(e.host.Notices(), (Lines{"start TL_QuickPlotAll", "ended TL_QuickPlotAll"}));
     // No drawing is activated for its plot, and each layout is refreshed before it plots.
-    EXPECT_EQ(caseHost.MdiActive(), docs[0]);
-    EXPECT_EQ(caseHost.Find(docs[1])->actions.front(), "refresh A1");
+    EXPECT_EQ(e.host.MdiActive(), docs[0]);
+    EXPECT_EQ(e.host.Find(docs[1])->actions.front(), "refresh A1");
   }
 }
 
@@ -305,8 +243,7 @@ namespace {
 TEST_F(BatchTest, WithoutTheApplicationEveryHandlerEndsInTheErrorBox) {
   OpenMany({"dbmod 1\n"});
   host.SetApplicationMissing(true);
-  DrawingOperations ops(OperationServices{host, host::GetAcadApplication(host), windows, store, files, recent, shell,
-                                          nullptr, bar});
+  DrawingOperations ops(Services());
   ops.contextDocument = host.MdiActive();
   ops.OnSaveAll();
   ops.OnCloseAll();
@@ -334,7 +271,7 @@ TEST_F(BatchTest, ADrawingClosedDuringAQuestionEndsTheWalkCleanly) {
   host.QueueBoxAnswer(port::kAnswerNo, [&] { host.CloseDrawing(docs[0]); });
   Ops().OnCloseAll();
   EXPECT_EQ(BoxTexts(), (Lines{"Save changes to 3?", "错误 [0x8002000B]\nInvalid index"}));
-  EXPECT_EQ(Open(docs), (Lines{"2"}));
+  EXPECT_EQ(StillOpen(docs), (Lines{"2"}));
 }
 
 }  // namespace

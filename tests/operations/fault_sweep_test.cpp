@@ -16,53 +16,26 @@ namespace {
 
 constexpr const char* kInjected = "injected failure";
 
-// Everything one run needs, made afresh for every run.
-struct World {
+// Everything one run needs, made afresh for every run: 1 is modified in model
+// space, 2 read-only and modified, 3 modified in a layout with a floating
+// viewport active, and the context drawing.
+struct World : Environment {
   World() {
-    sim::AddSimHostWindows(windows, host);
-    windows.AddWindow(bar, "MvTavlet", host.WindowNamed("frame"), {0, 0, 100, 700});
-    for (int i = 1; i <= 3; ++i) {
-      const std::string path = "C:\\dwg\\" + std::to_string(i) + ".dwg";
-      files.AddFile(path, Drawing(path, kExtras[i - 1]));
-      docs.push_back(host.OpenDrawing(path));
-    }
+    docs = OpenMany({"dbmod 1\n", "read-only yes\ndbmod 1\n",
+                     "layout \"A1\"\nactive-layout \"A1\"\ncvport 3\ndbmod 1\n"});
     files.AddFile("C:\\dwg\\new.dwg", Drawing("C:\\dwg\\new.dwg", "dbmod 2\n"));
     host.Activate(docs[0]);
-    ops = std::make_unique<DrawingOperations>(OperationServices{host, host::GetAcadApplication(host), windows, store,
-                                                                files, recent, shell, &layouts, bar});
+    ops = std::make_unique<DrawingOperations>(Services());
     ops->contextDocument = docs[2];
     target = Object(docs[2]);
   }
-  host::AcadDocumentPtr Object(port::Document doc) {
-    port::Database db = nullptr;
-    host.Documents()->DatabaseOf(doc, &db);
-    return host::DocumentObjectOf(host, db);
-  }
-  int OpenCount() {
+  int OpenCount() const { return static_cast<int>(StillOpen(docs).size()); }
+  int Modified() const {
     int n = 0;
-    for (port::Document d : docs) n += host.Find(d)->closed ? 0 : 1;
-    return n;
-  }
-  int Modified() {
-    int n = 0;
-    for (port::Document d : docs) n += host.Find(d)->dbmod > 0 && !host.Find(d)->readOnly ? 1 : 0;
+    for (port::Document d : docs) n += Dbmod(d) > 0 && !host.Find(d)->readOnly ? 1 : 0;
     return n;
   }
 
-  // 1: modified, model space; 2: read-only and modified; 3: modified, in a layout
-  // with a floating viewport active.
-  static constexpr const char* kExtras[3] = {"dbmod 1\n", "read-only yes\ndbmod 1\n",
-                                             "layout \"A1\"\nactive-layout \"A1\"\ncvport 3\ndbmod 1\n"};
-  MemoryFileSystem files;
-  sim::SimHost host{files};
-  host::ScopedSession session{&host};
-  sim::FakeWindowSystem windows;
-  MemoryRegistry registry;
-  SettingsStore store{registry, DefaultSettingsRoot()};
-  RecentFileList recent{store, files};
-  sim::SimShell shell;
-  RecordingLayouts layouts;
-  port::Window bar = reinterpret_cast<port::Window>(0x7001);
   std::vector<port::Document> docs;
   std::unique_ptr<DrawingOperations> ops;
   host::AcadDocumentPtr target;  // the third drawing's object

@@ -35,32 +35,21 @@ TEST_F(SaveTest, ZoomRulesComeBeforeTheSaveCommand) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
-    MemoryFileSystem caseFiles;
-    sim::SimHost caseHost(caseFiles);
-    host::ScopedSession caseSession(&caseHost);
-    WriteInt(store, keys::ZoomExtentsOnSave, c.zoomExtentsOnSave);
-    OperationServices services{caseHost, host::GetAcadApplication(caseHost), windows, store, caseFiles, recent,
-                               shell};
-    DrawingOperations ops(services);
-    caseFiles.AddFile("C:\\dwg\\a.dwg", Drawing("C:\\dwg\\a.dwg", c.extra));
-    port::Document a = caseHost.OpenDrawing("C:\\dwg\\a.dwg");
-    ASSERT_NE(a, nullptr) << caseHost.LastOpenError();
-    caseHost.Faults().ClearLog();
-    port::Database db = nullptr;
-    caseHost.Documents()->DatabaseOf(a, &db);
-    ops.SaveDrawing(host::DocumentObjectOf(caseHost, db));
+    Environment e;
+    WriteInt(e.store, keys::ZoomExtentsOnSave, c.zoomExtentsOnSave);
+    DrawingOperations ops(e.Services());
+    port::Document a = e.Open("C:\\dwg\\a.dwg", c.extra);
+    e.host.Faults().ClearLog();
+    ops.SaveDrawing(e.Object(a));
 
-    Lines transcript;
-    std::istringstream lines(caseHost.Transcript());
-    for (std::string line; std::getline(lines, line);) transcript.push_back(line);
-    EXPECT_EQ(transcript, c.transcript);
-    EXPECT_EQ(caseHost.Find(a)->actions, c.actions);
-    EXPECT_EQ(caseHost.Find(a)->content.cvport, c.cvportAfter);
-    EXPECT_EQ(caseHost.Find(a)->dbmod, c.dbmodAfter);
-    EXPECT_TRUE(caseHost.ShownBoxes().empty());
+    EXPECT_EQ(e.TranscriptLines(), c.transcript);
+    EXPECT_EQ(e.host.Find(a)->actions, c.actions);
+    EXPECT_EQ(e.host.Find(a)->content.cvport, c.cvportAfter);
+    EXPECT_EQ(e.Dbmod(a), c.dbmodAfter);
+    EXPECT_TRUE(e.host.ShownBoxes().empty());
     // The zoom is asked for before the save is sent.
     Lines zoomAndSend;
-    for (const std::string& call : caseHost.Faults().Log())
+    for (const std::string& call : e.host.Faults().Log())
       if (call.find("Zoom") != std::string::npos || call == "AcadDocument::SendCommand") zoomAndSend.push_back(call);
     if (!c.actions.empty()) {
       ASSERT_GE(zoomAndSend.size(), 2u);
@@ -102,26 +91,15 @@ TEST_F(CloseTest, AsksAboutChangesOnlyOfAWritableModifiedDrawing) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
-    MemoryFileSystem caseFiles;
-    sim::SimHost caseHost(caseFiles);
-    host::ScopedSession caseSession(&caseHost);
-    OperationServices services{caseHost, host::GetAcadApplication(caseHost), windows, store, caseFiles, recent,
-                               shell};
-    DrawingOperations ops(services);
-    caseFiles.AddFile(PathOf(1), Drawing(PathOf(1), c.extra));
-    port::Document doc = caseHost.OpenDrawing(PathOf(1));
-    for (long answer : c.answers) caseHost.QueueBoxAnswer(answer);
-    port::Database db = nullptr;
-    caseHost.Documents()->DatabaseOf(doc, &db);
-    EXPECT_EQ(ops.CloseDrawing(host::DocumentObjectOf(caseHost, db)), c.result);
-    Lines boxes;
-    for (const sim::ShownBox& b : caseHost.ShownBoxes()) {
-      boxes.push_back(b.text);
-      EXPECT_EQ(b.type, port::kBoxYesNoCancel);
-    }
-    EXPECT_EQ(boxes, c.boxes);
-    EXPECT_EQ(caseHost.Find(doc)->closed, c.result);
-    EXPECT_EQ(caseHost.SentCommands(), c.sent);
+    Environment e;
+    DrawingOperations ops(e.Services());
+    port::Document doc = e.Open(PathOf(1), c.extra);
+    for (long answer : c.answers) e.host.QueueBoxAnswer(answer);
+    EXPECT_EQ(ops.CloseDrawing(e.Object(doc)), c.result);
+    for (const sim::ShownBox& b : e.host.ShownBoxes()) EXPECT_EQ(b.type, port::kBoxYesNoCancel);
+    EXPECT_EQ(e.BoxTexts(), c.boxes);
+    EXPECT_EQ(e.IsOpen(doc), !c.result);
+    EXPECT_EQ(e.host.SentCommands(), c.sent);
   }
 }
 
@@ -361,8 +339,7 @@ TEST_F(OpenTest, AHostFailureOnADrawingOfThisReleaseIsUnknown) {
   EXPECT_EQ(host.Transcript(), "未知的错误在 MvTavlet::OpenFile()!\n");
   // With the host version unreadable (0) every known release counts as later.
   host.SetVersionText("");
-  DrawingOperations fresh(OperationServices{host, host::GetAcadApplication(host), windows, store, files, recent,
-                                            shell});
+  DrawingOperations fresh(Services());
   EXPECT_EQ(fresh.hostVersion, 0);
   host.ClearTranscript();
   host.Faults().Fail("AcadDocuments::Open", 1, port::kHostException, "");
@@ -405,8 +382,7 @@ TEST_F(OpenTest, LastDrawingGoneSinceTheListWasReadIsToldInEnglish) {
   vanishing.AddFile(PathOf(1), Drawing(PathOf(1)));
   RecentFileList list(store, vanishing);
   list.AddRecentFile(PathOf(1));
-  DrawingOperations ops(OperationServices{host, host::GetAcadApplication(host), windows, store, vanishing, list,
-                                          shell});
+  DrawingOperations ops(OperationServices{host, host::GetAcadApplication(host), windows, store, vanishing, list, shell});
   ops.OpenLastDrawing();
   EXPECT_EQ(BoxTexts(), (Lines{"Unable to find last opened drawing -\n" + PathOf(1)}));
 }
