@@ -43,6 +43,8 @@ class Win32OperationShell final : public operations::OperationShell {
     info.hwndOwner = reinterpret_cast<HWND>(owner);
     info.pszDisplayName = display;
     info.lpszTitle = title.c_str();
+    // The new dialog style needs OLE on the calling thread, which the host's main
+    // thread has initialised.
     info.ulFlags = BIF_RETURNONLYFSDIRS | BIF_NEWDIALOGSTYLE;
     info.lpfn = BrowseCallback;
     info.lParam = reinterpret_cast<LPARAM>(start.c_str());
