@@ -178,6 +178,27 @@ class SimHost final : public port::HostSession,
   // Database objects handed out and not yet closed (released).
   int& OpenDatabaseObjects() { return openDatabaseObjects_; }
 
+  // ---- what the drawing operations meet ----
+  struct PlotRecord {
+    std::string drawing;  // the drawing's file name
+    std::string layout;   // the layout that plotted
+    long backgroundPlot = 0;  // BACKGROUNDPLOT while it plotted
+  };
+  // Every plot, in order.
+  const std::vector<PlotRecord>& Plots() const { return plots_; }
+  void RecordPlot(const SimDocument& d);
+  // The release number of the version text: 16.1 for "16.1s (LMS Tech)".
+  double Release() const;
+  // The open through automation takes the releases the version table knows, up
+  // to the host's own; any other drawing makes the host fail inside the call
+  // (kHostException). The user's own OpenDrawing still opens them, so that demos
+  // show any real drawing's thumbnail.
+  bool ReadsVersion(const std::string& versionString) const;
+  // The version string of a drawing file or description; empty for anything else.
+  std::string VersionOfFile(const std::string& path) const;
+  // A profile's registry root; an empty root: the profile manager gives none.
+  void SetProfileRegistryRoot(const std::string& profile, const std::string& root) { profileRoots_[profile] = root; }
+
   // ---- used by the automation and sheet-set objects ----
   port::Result Enter(const char* call);  // counts the call, applies a planned fault
   port::Result Fail(port::Result error, const std::string& description);
@@ -342,6 +363,8 @@ class SimHost final : public port::HostSession,
   ThumbnailReader thumbnailReader_;
   port::AcadApplication* application_ = nullptr;
   int openDatabaseObjects_ = 0;
+  std::vector<PlotRecord> plots_;
+  std::map<std::string, std::string> profileRoots_;
 };
 
 }  // namespace tavlet::sim
