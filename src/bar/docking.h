@@ -140,6 +140,9 @@ std::optional<long> DragThickness(int dockSide, long x, long y, long clientWidth
 host::WindowRect DefaultFloatRect(const host::WindowRect& mdiClientOnScreen);
 inline constexpr long kFloatWidth = 300;
 inline constexpr long kFloatHeight = 100;
+// FloatFrame's initialisation: the stored FloatPosition (a placement of the
+// wrong shape counts as restored and moves nothing), else DefaultFloatRect.
+void PlaceFloatFrame(const SettingsStore& store, WindowPort& frame, const host::WindowRect& mdiClientOnScreen);
 
 // HideOnSingle with exactly one drawing: the hooks pass sizes through and the
 // thicknesses are 0.
