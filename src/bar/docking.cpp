@@ -1,27 +1,8 @@
 #include "bar/docking.h"
 
-#include <cstdint>
-#include <limits>
+#include "bar/coordinates.h"
 
 namespace tavlet::bar {
-namespace {
-
-// Stored thicknesses are used unclamped; only the 32-bit range of window
-// coordinates bounds the arithmetic.
-long Clamp32(long long value) {
-  constexpr long long lo = std::numeric_limits<std::int32_t>::min();
-  constexpr long long hi = std::numeric_limits<std::int32_t>::max();
-  return static_cast<long>(value < lo ? lo : value > hi ? hi : value);
-}
-
-long Plus(long a, long b) { return Clamp32(static_cast<long long>(a) + b); }
-long Minus(long a, long b) { return Clamp32(static_cast<long long>(a) - b); }
-
-bool Contains(const host::WindowRect& r, long x, long y) {
-  return x >= r.left && x < r.right && y >= r.top && y < r.bottom;
-}
-
-}  // namespace
 
 // ---------------------------------------------------------------- the frame hooks
 
@@ -85,14 +66,16 @@ HookOutcome CarveForHook(BarModel& bar, bool onCommandHost, const host::WindowPo
   const host::WindowRect rect = ProposedRect(proposed);
   if (onCommandHost) {
     bar.commandHostRect = rect;
-    if (!IsAreaSide(side) && !floating) outcome.carving = CarveCommandHost(proposed, side, bar.CommandWidth());
+    if (!IsAreaSide(side) && !floating)
+      outcome.carving = CarveCommandHost(proposed, side, bar.CommandWidth());
   } else {
     // Kept twice by the bar: for the floating frame's first place and for the
     // previews' proportions; one member serves both here.
     bar.mdiClientRect = rect;
     if (IsAreaSide(side) && !floating) {
-      const long thickness =
-          UsesTabThickness(bar.DrawingCount(), bar.TabMode()) ? bar.TabThickness(&rect) : bar.PreviewThickness();
+      const long thickness = UsesTabThickness(bar.DrawingCount(), bar.TabMode())
+                                 ? bar.TabThickness(&rect)
+                                 : bar.PreviewThickness();
       outcome.carving = CarveDrawingArea(proposed, side, thickness);
     }
   }
@@ -106,12 +89,19 @@ ChildRects BarChildRects(int dockSide, bool floating, const host::WindowRect& cl
   ChildRects rects{client, client};
   if (floating) return rects;
   switch (dockSide) {
-    case kDockTop: rects.tabs.top = Plus(client.top, 1); break;
-    case kDockLeft: rects.tabs.left = Plus(client.left, 2); break;
-    case kDockRight: rects.tabs.right = Minus(client.right, 1); break;
+    case kDockTop:
+      rects.tabs.top = Plus(client.top, 1);
+      break;
+    case kDockLeft:
+      rects.tabs.left = Plus(client.left, 2);
+      break;
+    case kDockRight:
+      rects.tabs.right = Minus(client.right, 1);
+      break;
     default:
       if (!IsAreaSide(dockSide))
-        rects.strip = {Plus(client.left, 1), Plus(client.top, 1), Minus(client.right, 1), Minus(client.bottom, 3)};
+        rects.strip = {Plus(client.left, 1), Plus(client.top, 1), Minus(client.right, 1),
+                       Minus(client.bottom, 3)};
       break;
   }
   return rects;
@@ -119,10 +109,14 @@ ChildRects BarChildRects(int dockSide, bool floating, const host::WindowRect& cl
 
 unsigned long TabStyleForSide(int dockSide, unsigned long style) {
   switch (dockSide) {
-    case kDockLeft: return (style & ~kTcsRight) | kTcsVertical;
-    case kDockRight: return style | kTcsVertical | kTcsRight;
-    case kDockBottom: return (style & ~kTcsVertical) | kTcsBottom;
-    default: return style & ~(kTcsVertical | kTcsBottom);
+    case kDockLeft:
+      return (style & ~kTcsRight) | kTcsVertical;
+    case kDockRight:
+      return style | kTcsVertical | kTcsRight;
+    case kDockBottom:
+      return (style & ~kTcsVertical) | kTcsBottom;
+    default:
+      return style & ~(kTcsVertical | kTcsBottom);
   }
 }
 
@@ -130,10 +124,19 @@ long TabRowsThickness(int dockSide, int rows, const host::WindowRect& selectedIt
   long rowSize = selectedItem.Height();
   long margin = 6;  // any other side has the top's style
   switch (dockSide) {
-    case kDockLeft: rowSize = selectedItem.Width(); margin = 8; break;
-    case kDockRight: rowSize = selectedItem.Width(); margin = 5; break;
-    case kDockBottom: margin = 4; break;
-    default: break;
+    case kDockLeft:
+      rowSize = selectedItem.Width();
+      margin = 8;
+      break;
+    case kDockRight:
+      rowSize = selectedItem.Width();
+      margin = 5;
+      break;
+    case kDockBottom:
+      margin = 4;
+      break;
+    default:
+      break;
   }
   return Clamp32(static_cast<long long>(rows) * rowSize + margin);
 }
@@ -144,12 +147,17 @@ std::optional<Grip> GripFor(int dockSide, long clientWidth, long clientHeight, l
   const long w = clientWidth, h = clientHeight, f = frameWidth;
   switch (dockSide) {
     case kDockLeft:
-    case kDockCommandLeft: return Grip{{Minus(w, f), 0, Plus(w, f), h}, GripCursor::SizeWe};
+    case kDockCommandLeft:
+      return Grip{{Minus(w, f), 0, Plus(w, f), h}, GripCursor::SizeWe};
     case kDockRight:
-    case kDockCommandRight: return Grip{{Minus(0, f), 0, f, h}, GripCursor::SizeWe};
-    case kDockBottom: return Grip{{0, Minus(0, f), w, f}, GripCursor::SizeNs};
-    case kDockTop: return Grip{{0, Minus(h, f), w, Plus(h, f)}, GripCursor::SizeNs};
-    default: return std::nullopt;
+    case kDockCommandRight:
+      return Grip{{Minus(0, f), 0, f, h}, GripCursor::SizeWe};
+    case kDockBottom:
+      return Grip{{0, Minus(0, f), w, f}, GripCursor::SizeNs};
+    case kDockTop:
+      return Grip{{0, Minus(h, f), w, Plus(h, f)}, GripCursor::SizeNs};
+    default:
+      return std::nullopt;
   }
 }
 
@@ -158,23 +166,31 @@ bool GripApplies(const BarSettings& settings, bool tabMode) {
   return !settings.Floating && !settings.LockSize && (!tabMode || !IsAreaSide(settings.DockSide));
 }
 
-std::optional<long> DragThickness(int dockSide, long x, long y, long clientWidth, long clientHeight) {
+std::optional<long> DragThickness(int dockSide, long x, long y, long clientWidth,
+                                  long clientHeight) {
   switch (dockSide) {
     case kDockLeft:
-    case kDockCommandLeft: return x;
+    case kDockCommandLeft:
+      return x;
     case kDockRight:
-    case kDockCommandRight: return Minus(clientWidth, x);
-    case kDockBottom: return Minus(clientHeight, y);
-    case kDockTop: return y;
-    default: return std::nullopt;
+    case kDockCommandRight:
+      return Minus(clientWidth, x);
+    case kDockBottom:
+      return Minus(clientHeight, y);
+    case kDockTop:
+      return y;
+    default:
+      return std::nullopt;
   }
 }
 
-std::optional<GripSizing::CursorAnswer> GripSizing::OnSetCursor(const BarSettings& settings, bool tabMode, long x,
-                                                                long y, long clientWidth, long clientHeight,
+std::optional<GripSizing::CursorAnswer> GripSizing::OnSetCursor(const BarSettings& settings,
+                                                                bool tabMode, long x, long y,
+                                                                long clientWidth, long clientHeight,
                                                                 long frameWidth, bool buttonDown) {
   if (!GripApplies(settings, tabMode)) return std::nullopt;
-  const std::optional<Grip> grip = GripFor(settings.DockSide, clientWidth, clientHeight, frameWidth);
+  const std::optional<Grip> grip =
+      GripFor(settings.DockSide, clientWidth, clientHeight, frameWidth);
   if (!grip || !Contains(grip->zone, x, y)) {
     sizing_ = false;
     return CursorAnswer{GripCursor::Arrow, false};
@@ -186,10 +202,13 @@ std::optional<GripSizing::CursorAnswer> GripSizing::OnSetCursor(const BarSetting
 std::optional<long> GripSizing::OnMouseMove(BarSettings& settings, long x, long y, long clientWidth,
                                             long clientHeight) {
   if (!sizing_) return std::nullopt;
-  const std::optional<long> value = DragThickness(settings.DockSide, x, y, clientWidth, clientHeight);
+  const std::optional<long> value =
+      DragThickness(settings.DockSide, x, y, clientWidth, clientHeight);
   if (!value) return std::nullopt;
-  if (IsAreaSide(settings.DockSide)) settings.Size = static_cast<int>(*value);
-  else settings.WidthOnCmdWnd = static_cast<int>(*value);
+  if (IsAreaSide(settings.DockSide))
+    settings.Size = static_cast<int>(*value);
+  else
+    settings.WidthOnCmdWnd = static_cast<int>(*value);
   return value;
 }
 
@@ -214,14 +233,18 @@ host::WindowRect DefaultFloatRect(const host::WindowRect& mdiClientOnScreen) {
           Plus(mdiClientOnScreen.top, kFloatHeight)};
 }
 
-void PlaceFloatFrame(const SettingsStore& store, WindowPort& frame, const host::WindowRect& mdiClientOnScreen) {
-  if (store.RestoreWindowPlacement(keys::FloatPosition.section, keys::FloatPosition.key, frame)) return;
+void PlaceFloatFrame(const SettingsStore& store, WindowPort& frame,
+                     const host::WindowRect& mdiClientOnScreen) {
+  if (store.RestoreWindowPlacement(keys::FloatPosition.section, keys::FloatPosition.key, frame))
+    return;
   const host::WindowRect r = DefaultFloatRect(mdiClientOnScreen);
   frame.SetWindowPos(static_cast<int>(r.left), static_cast<int>(r.top), static_cast<int>(r.Width()),
                      static_cast<int>(r.Height()));
 }
 
-bool HidesForSingle(int hideOnSingle, long drawingCount) { return hideOnSingle && drawingCount == 1; }
+bool HidesForSingle(int hideOnSingle, long drawingCount) {
+  return hideOnSingle && drawingCount == 1;
+}
 
 bool NeedsSpaceBack(int hideOnSingle, long drawingCount, bool floating) {
   return hideOnSingle && drawingCount == 2 && !floating;
@@ -230,7 +253,8 @@ bool NeedsSpaceBack(int hideOnSingle, long drawingCount, bool floating) {
 // ---------------------------------------------------------------- double clicks
 
 BarDoubleClick OnBarDoubleClick(unsigned flags) {
-  return (flags & 0x0008) ? BarDoubleClick::LastWorkset : BarDoubleClick::LastDrawing;  // MK_CONTROL
+  return (flags & 0x0008) ? BarDoubleClick::LastWorkset
+                          : BarDoubleClick::LastDrawing;  // MK_CONTROL
 }
 
 }  // namespace tavlet::bar

@@ -4,18 +4,10 @@
 #include <limits>
 
 #include "bar/bar_model.h"
+#include "bar/coordinates.h"
 
 namespace tavlet::bar {
 namespace {
-
-// Window coordinates are 32-bit on the platform. Settings out of range (a huge
-// Size, a hand-edited ScrollBarSize) must not overflow the arithmetic, so sums
-// and products are taken wide and brought back into that range.
-long Clamp32(long long value) {
-  constexpr long long lo = std::numeric_limits<std::int32_t>::min();
-  constexpr long long hi = std::numeric_limits<std::int32_t>::max();
-  return static_cast<long>(value < lo ? lo : value > hi ? hi : value);
-}
 
 // Truncation towards zero, as every size of the strip is cut.
 long Truncate(double value) {
@@ -27,16 +19,14 @@ long Truncate(double value) {
   return static_cast<long>(value);
 }
 
-long LabelShare(const BarSettings& settings, long titleHeight) { return settings.ShowDwgName ? titleHeight : 0; }
-
-bool Contains(const host::WindowRect& r, long x, long y) {
-  return x >= r.left && x < r.right && y >= r.top && y < r.bottom;
+long LabelShare(const BarSettings& settings, long titleHeight) {
+  return settings.ShowDwgName ? titleHeight : 0;
 }
 
 }  // namespace
 
 long TitleHeightFor(long textHeight) {
-  const long height = Clamp32(static_cast<long long>(textHeight) + 2);
+  const long height = Plus(textHeight, 2);
   return height < 15 ? 15 : height;
 }
 
@@ -52,11 +42,11 @@ CellCursor::CellCursor(const StripLayout& layout, const BarSettings& settings, i
   if (settings_.ScrollOverflow) {
     const long shift = layout_.scrollPos;
     if (layout_.IsHorizontal()) {
-      cell_.left = Clamp32(static_cast<long long>(cell_.left) - shift);
-      cell_.right = Clamp32(static_cast<long long>(cell_.right) - shift);
+      cell_.left = Minus(cell_.left, shift);
+      cell_.right = Minus(cell_.right, shift);
     } else {
-      cell_.top = Clamp32(static_cast<long long>(cell_.top) - shift);
-      cell_.bottom = Clamp32(static_cast<long long>(cell_.bottom) - shift);
+      cell_.top = Minus(cell_.top, shift);
+      cell_.bottom = Minus(cell_.bottom, shift);
     }
   }
 }
@@ -68,28 +58,32 @@ host::WindowRect CellCursor::Place(int i, const DocEntry& entry) {
   const long label = LabelShare(settings_, title);
   host::WindowRect& c = cell_;
   if (settings_.ScrollOverflow) {
-    if (horizontal) c.right = Clamp32(static_cast<long long>(c.left) + size.width);
-    else c.bottom = Clamp32(static_cast<long long>(c.top) + size.height + label);
+    if (horizontal)
+      c.right = Plus(c.left, size.width);
+    else
+      c.bottom = Plus(c.top, static_cast<long long>(size.height) + label);
   } else if (i > layout_.lastFull) {
     // The surplus strips are stacked at the far end, one title apart.
     const long long rest = static_cast<long long>(count_ - i - 1) * title;
     c = layout_.stripArea;
     if (horizontal) {
-      c.left = Clamp32(static_cast<long long>(c.right) - title - rest);
-      c.right = Clamp32(static_cast<long long>(c.right) - rest);
+      c.left = Minus(c.right, title + rest);
+      c.right = Minus(c.right, rest);
     } else {
-      c.top = Clamp32(static_cast<long long>(c.bottom) - title - rest);
-      c.bottom = Clamp32(static_cast<long long>(c.bottom) - rest);
+      c.top = Minus(c.bottom, title + rest);
+      c.bottom = Minus(c.bottom, rest);
     }
   } else if (horizontal) {
-    c.right = Clamp32(static_cast<long long>(c.left) + size.width);
+    c.right = Plus(c.left, size.width);
   } else {
     // A collapsed cell shows its title alone, without the label's share.
-    c.bottom = Clamp32(static_cast<long long>(c.top) + size.height + (entry.collapsed ? 0 : label));
+    c.bottom = Plus(c.top, static_cast<long long>(size.height) + (entry.collapsed ? 0 : label));
   }
   const host::WindowRect placed = c;
-  if (horizontal) c.left = Clamp32(static_cast<long long>(c.right) + 1);
-  else c.top = Clamp32(static_cast<long long>(c.bottom) + 1);
+  if (horizontal)
+    c.left = Plus(c.right, 1);
+  else
+    c.top = Plus(c.bottom, 1);
   return placed;
 }
 
@@ -101,13 +95,15 @@ bool StripLayout::SetDockSide(int side) {
   return changed;
 }
 
-bool StripLayout::IsHorizontal() const { return bar::IsHorizontal(dockSide, floating, clientWidth, clientHeight); }
+bool StripLayout::IsHorizontal() const {
+  return bar::IsHorizontal(dockSide, floating, clientWidth, clientHeight);
+}
 
 CellExtent StripLayout::CellSize(const DocEntry* entry, const BarSettings& settings) const {
   const bool collapsed = entry && entry->collapsed;
   CellExtent size;
   if (IsHorizontal()) {
-    size.height = Clamp32(static_cast<long long>(previewExtent) - LabelShare(settings, titleHeight));
+    size.height = Minus(previewExtent, LabelShare(settings, titleHeight));
     size.width = collapsed ? titleHeight : Truncate(static_cast<double>(size.height) * viewAspect);
   } else {
     size.width = previewExtent;
@@ -116,16 +112,19 @@ CellExtent StripLayout::CellSize(const DocEntry* entry, const BarSettings& setti
   return size;
 }
 
-StripLayoutResult StripLayout::Layout(DocList& list, const BarSettings& settings, const StripFrame& frame) {
+StripLayoutResult StripLayout::Layout(DocList& list, const BarSettings& settings,
+                                      const StripFrame& frame) {
   StripLayoutResult result;
   if (frame.drawingArea.Width() > 0 && frame.drawingArea.Height() > 0)
-    viewAspect = static_cast<double>(frame.drawingArea.Width()) / static_cast<double>(frame.drawingArea.Height());
+    viewAspect = static_cast<double>(frame.drawingArea.Width()) /
+                 static_cast<double>(frame.drawingArea.Height());
   floating = frame.floating;
   clientWidth = frame.client.Width();
   clientHeight = frame.client.Height();
   const bool horizontal = IsHorizontal();
 
-  host::WindowRect r{frame.client.left + 1, frame.client.top + 1, frame.client.right - 1, frame.client.bottom - 1};
+  host::WindowRect r{frame.client.left + 1, frame.client.top + 1, frame.client.right - 1,
+                     frame.client.bottom - 1};
   previewExtent = horizontal ? r.Height() : r.Width();
   runLength = horizontal ? r.Width() : r.Height();
 
@@ -153,9 +152,11 @@ StripLayoutResult StripLayout::Layout(DocList& list, const BarSettings& settings
   if (settings.ScrollOverflow) {
     const CellExtent cell = CellSize(nullptr, settings);
     // Only the vertical run counts the pixel between cells; kept as it always was.
-    totalLength = horizontal ? Clamp32(n * cell.width) : Clamp32(n * (static_cast<long long>(cell.height) + 1 + label));
-    const long limit = totalLength < runLength ? 0 : Clamp32(static_cast<long long>(totalLength) - runLength);
-    StripScrollInfo info{kSifRange | kSifPage | kSifDisableNoHide, 0, totalLength, runLength, scrollPos};
+    totalLength = horizontal ? Clamp32(n * cell.width)
+                             : Clamp32(n * (static_cast<long long>(cell.height) + 1 + label));
+    const long limit = totalLength < runLength ? 0 : Minus(totalLength, runLength);
+    StripScrollInfo info{kSifRange | kSifPage | kSifDisableNoHide, 0, totalLength, runLength,
+                         scrollPos};
     if (scrollPos > limit) {
       scrollPos = limit;
       info.mask |= kSifPos;
@@ -170,19 +171,19 @@ StripLayoutResult StripLayout::Layout(DocList& list, const BarSettings& settings
       host::WindowRect band = s;
       switch (dockSide) {
         case kDockTop:
-          band.bottom = Clamp32(static_cast<long long>(s.top) + thickness);
+          band.bottom = Plus(s.top, thickness);
           r.top = band.bottom;
           break;
         case kDockLeft:
-          band.right = Clamp32(static_cast<long long>(s.left) + thickness);
+          band.right = Plus(s.left, thickness);
           r.left = band.right;
           break;
         case kDockRight:
-          band.left = Clamp32(static_cast<long long>(s.right) - thickness);
+          band.left = Minus(s.right, thickness);
           r.right = band.left;
           break;
         default:
-          band.top = Clamp32(static_cast<long long>(s.bottom) - thickness);
+          band.top = Minus(s.bottom, thickness);
           r.bottom = band.top;
           break;
       }
@@ -228,8 +229,11 @@ StripClick StripLayout::OnLButtonDown(DocList& list, unsigned flags, long x, lon
   if (!(flags & kMkControl) && entry->collapsed) {
     // The window of full cells shifts so that this one is in it; a strip past
     // the end moves it by its distance from lastFull.
-    if (entry->index < firstFull) firstFull = entry->index;
-    else firstFull = static_cast<int>(Clamp32(static_cast<long long>(firstFull) + entry->index - lastFull));
+    if (entry->index < firstFull)
+      firstFull = entry->index;
+    else
+      firstFull =
+          static_cast<int>(Plus(firstFull, static_cast<long long>(entry->index) - lastFull));
     return {StripClickAction::Expanded, nullptr};
   }
   return {StripClickAction::Switch, entry->document};
@@ -241,18 +245,31 @@ long StripLayout::OnScroll(int code, long thumb, const BarSettings& settings) {
   long long pos = scrollPos;
   switch (code) {
     // A horizontal strip's arrows run against a vertical one's; kept as it always was.
-    case kSbLineUp: pos += horizontal ? cell.width : -static_cast<long long>(cell.height); break;
-    case kSbLineDown: pos += horizontal ? -static_cast<long long>(cell.width) : cell.height; break;
-    case kSbPageUp: pos -= runLength; break;
-    case kSbPageDown: pos += runLength; break;
+    case kSbLineUp:
+      pos += horizontal ? cell.width : -static_cast<long long>(cell.height);
+      break;
+    case kSbLineDown:
+      pos += horizontal ? -static_cast<long long>(cell.width) : cell.height;
+      break;
+    case kSbPageUp:
+      pos -= runLength;
+      break;
+    case kSbPageDown:
+      pos += runLength;
+      break;
     case kSbThumbPosition:
-    case kSbThumbTrack: pos = thumb; break;
-    default: break;
+    case kSbThumbTrack:
+      pos = thumb;
+      break;
+    default:
+      break;
   }
   // The upper limit is itself negative when every cell fits, and then wins.
   const long long limit = static_cast<long long>(totalLength) - runLength;
-  if (pos < 0) pos = 0;
-  else if (pos > limit) pos = limit;
+  if (pos < 0)
+    pos = 0;
+  else if (pos > limit)
+    pos = limit;
   scrollPos = Clamp32(pos);
   return scrollPos;
 }

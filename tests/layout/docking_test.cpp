@@ -32,14 +32,35 @@ TEST(Carving, EachSideCutsItsStripOffTheProposal) {
       {"right", false, kDockRight, 100, {0, 60, 924, 640}, {924, 60, 1024, 640}},
       {"bottom", false, kDockBottom, 100, {0, 60, 1024, 540}, {0, 540, 1024, 640}},
       {"zero thickness: an empty bar", false, kDockTop, 0, {0, 60, 1024, 640}, {0, 60, 1024, 60}},
-      {"negative Size: the area grows", false, kDockLeft, -30, {-30, 60, 1024, 640}, {0, 60, -30, 640}},
-      {"an area side naming no side cuts nothing", false, 7, 100, {0, 60, 1024, 640}, {0, 60, 1024, 640}},
-      {"left of the command line", true, kDockCommandLeft, 300, {300, 4, 1024, 100}, {0, 4, 300, 100}},
-      {"right of the command line", true, kDockCommandRight, 300, {0, 4, 724, 100}, {724, 4, 1024, 100}},
+      {"negative Size: the area grows",
+       false,
+       kDockLeft,
+       -30,
+       {-30, 60, 1024, 640},
+       {0, 60, -30, 640}},
+      {"an area side naming no side cuts nothing",
+       false,
+       7,
+       100,
+       {0, 60, 1024, 640},
+       {0, 60, 1024, 640}},
+      {"left of the command line",
+       true,
+       kDockCommandLeft,
+       300,
+       {300, 4, 1024, 100},
+       {0, 4, 300, 100}},
+      {"right of the command line",
+       true,
+       kDockCommandRight,
+       300,
+       {0, 4, 724, 100},
+       {724, 4, 1024, 100}},
       {"a command side naming no side", true, 59423, 300, {0, 4, 1024, 100}, {0, 4, 1024, 100}},
   };
   for (const Case& c : cases) {
-    const WindowPos proposed = c.commandHost ? WindowPos{0, 4, 1024, 96} : WindowPos{0, 60, 1024, 580};
+    const WindowPos proposed =
+        c.commandHost ? WindowPos{0, 4, 1024, 96} : WindowPos{0, 60, 1024, 580};
     const Carving carving = c.commandHost ? CarveCommandHost(proposed, c.side, c.amount)
                                           : CarveDrawingArea(proposed, c.side, c.amount);
     EXPECT_EQ(RectOf(carving.pos), c.window) << c.what;
@@ -74,11 +95,15 @@ TEST(Carving, TheHookPassesThroughBeforeAnyCut) {
   };
   for (const Case& c : cases) {
     int asked = 0;
-    const bool passes = HookPassesThrough(c.posChanging, c.hooked, c.on, c.hideOnSingle, [&] {
-      ++asked;
-      return c.count;
-    }, c.pos);
-    EXPECT_EQ(passes, c.passes) << c.posChanging << c.hooked << c.on << c.hideOnSingle << " count " << c.count;
+    const bool passes = HookPassesThrough(
+        c.posChanging, c.hooked, c.on, c.hideOnSingle,
+        [&] {
+          ++asked;
+          return c.count;
+        },
+        c.pos);
+    EXPECT_EQ(passes, c.passes) << c.posChanging << c.hooked << c.on << c.hideOnSingle << " count "
+                                << c.count;
     // The count is an automation call: asked only for HideOnSingle.
     if (!c.hideOnSingle) {
       EXPECT_EQ(asked, 0);
@@ -102,12 +127,36 @@ TEST(FrameHook, TheDrawingAreaShrinksByTheBarAndTheBarFillsTheStrip) {
       {"right", kDockRight, 100, 0, 2, 0, false, {0, 60, 924, 640}, {924, 60, 1024, 640}},
       {"bottom", kDockBottom, 100, 0, 2, 0, false, {0, 60, 1024, 540}, {0, 540, 1024, 640}},
       {"HideOnSingle, one drawing", kDockLeft, 100, 1, 1, 0, false, full, untouched},
-      {"HideOnSingle, two drawings", kDockLeft, 100, 1, 2, 0, false, {100, 60, 1024, 640}, {0, 60, 100, 640}},
-      {"no drawing: the caption's height", kDockLeft, 100, 0, 0, 0, false, {18, 60, 1024, 640}, {0, 60, 18, 640}},
+      {"HideOnSingle, two drawings",
+       kDockLeft,
+       100,
+       1,
+       2,
+       0,
+       false,
+       {100, 60, 1024, 640},
+       {0, 60, 100, 640}},
+      {"no drawing: the caption's height",
+       kDockLeft,
+       100,
+       0,
+       0,
+       0,
+       false,
+       {18, 60, 1024, 640},
+       {0, 60, 18, 640}},
       {"negative Size", kDockLeft, -20, 0, 2, 0, false, {-20, 60, 1024, 640}, {0, 60, -20, 640}},
       {"unknown DockSide", 7, 100, 0, 2, 0, false, full, full},
       {"floating", kDockLeft, 100, 0, 2, 1, false, full, untouched},
-      {"beside the command line", kDockCommandLeft, 100, 0, 2, 0, false, full, {0, 640, 0, 640}},  // in the dock
+      {"beside the command line",
+       kDockCommandLeft,
+       100,
+       0,
+       2,
+       0,
+       false,
+       full,
+       {0, 640, 0, 640}},  // in the dock
       {"off", kDockLeft, 100, 0, 2, 0, true, full, untouched},
   };
   for (const Case& c : cases) {
@@ -243,16 +292,17 @@ TEST(Grip, AppliesOnlyDockedUnlockedAndWithoutAreaTabs) {
     bool tabMode, applies;
   };
   const Case cases[] = {
-      {kDockLeft, 0, 0, false, true},         {kDockLeft, 1, 0, false, false},
-      {kDockLeft, 0, 1, false, false},        {kDockLeft, 0, 0, true, false},
-      {kDockCommandLeft, 0, 0, true, true},   {kDockCommandRight, 0, 1, true, false},
+      {kDockLeft, 0, 0, false, true},       {kDockLeft, 1, 0, false, false},
+      {kDockLeft, 0, 1, false, false},      {kDockLeft, 0, 0, true, false},
+      {kDockCommandLeft, 0, 0, true, true}, {kDockCommandRight, 0, 1, true, false},
   };
   for (const Case& c : cases) {
     BarSettings s;
     s.DockSide = c.side;
     s.Floating = c.floating;
     s.LockSize = c.lockSize;
-    EXPECT_EQ(GripApplies(s, c.tabMode), c.applies) << c.side << c.floating << c.lockSize << c.tabMode;
+    EXPECT_EQ(GripApplies(s, c.tabMode), c.applies)
+        << c.side << c.floating << c.lockSize << c.tabMode;
   }
 }
 

@@ -76,17 +76,20 @@ TEST(StripGeometry, CellSizeTruncatesTowardZeroPerOrientation) {
     CellExtent expected;
   };
   const Case cases[] = {
-      {kDockTop, false, 0, 0, 1, false, 60, {67, 45}},    // 45 x 1.5 = 67.5
-      {kDockTop, false, 0, 0, 0, false, 60, {90, 60}},    // no label: the whole extent
-      {kDockTop, false, 0, 0, 1, true, 60, {15, 45}},     // collapsed: title wide
+      {kDockTop, false, 0, 0, 1, false, 60, {67, 45}},  // 45 x 1.5 = 67.5
+      {kDockTop, false, 0, 0, 0, false, 60, {90, 60}},  // no label: the whole extent
+      {kDockTop, false, 0, 0, 1, true, 60, {15, 45}},   // collapsed: title wide
       {kDockCommandLeft, false, 0, 0, 1, false, 60, {67, 45}},
-      {kDockLeft, false, 0, 0, 1, false, 61, {61, 40}},   // 61 / 1.5 = 40.67; the label is not taken off
+      {kDockLeft, false, 0, 0, 1, false, 61, {61, 40}},  // 61 / 1.5 = 40.67; the label is not taken
+                                                         // off
       {kDockRight, false, 0, 0, 1, true, 61, {61, 15}},
-      {kDockLeft, true, 200, 100, 1, false, 60, {67, 45}},  // floating wide: horizontal whatever the side
+      {kDockLeft, true, 200, 100, 1, false, 60, {67, 45}},  // floating wide: horizontal whatever
+                                                            // the side
       {kDockTop, true, 100, 100, 1, false, 61, {61, 40}},   // floating square: vertical
-      {59999, false, 0, 0, 1, false, 60, {67, 45}},        // an unknown side is horizontal
-      {kDockTop, false, 0, 0, 1, false, -2, {-25, -17}},   // a bar of negative size: -25.5 cut to -25
-      {kDockLeft, false, 0, 0, 1, false, -2, {-2, -1}},    // -1.33 cut to -1, not -2
+      {59999, false, 0, 0, 1, false, 60, {67, 45}},         // an unknown side is horizontal
+      {kDockTop, false, 0, 0, 1, false, -2, {-25, -17}},    // a bar of negative size: -25.5 cut to
+                                                            // -25
+      {kDockLeft, false, 0, 0, 1, false, -2, {-2, -1}},     // -1.33 cut to -1, not -2
   };
   for (const Case& c : cases) {
     StripLayout layout;
@@ -101,7 +104,8 @@ TEST(StripGeometry, CellSizeTruncatesTowardZeroPerOrientation) {
     settings.ShowDwgName = c.showName;
     DocEntry entry(nullptr, DrawingPath());
     entry.collapsed = c.collapsed;
-    EXPECT_EQ(layout.CellSize(&entry, settings), c.expected) << "side " << c.side << " extent " << c.extent;
+    EXPECT_EQ(layout.CellSize(&entry, settings), c.expected)
+        << "side " << c.side << " extent " << c.extent;
     if (!c.collapsed) {
       EXPECT_EQ(layout.CellSize(nullptr, settings), c.expected);
     }
@@ -119,18 +123,68 @@ TEST_F(StripTest, CollapsesTheSurplusAndStacksItAtTheFarEnd) {
     Rects cells;
   };
   const Case cases[] = {
-      {"top, 70-wide cells in 300", kDockTop, {0, 0, 302, 52}, 1, 0, 5, "....#", 3,
+      {"top, 70-wide cells in 300",
+       kDockTop,
+       {0, 0, 302, 52},
+       1,
+       0,
+       5,
+       "....#",
+       3,
        {{1, 1, 71, 51}, {72, 1, 142, 51}, {143, 1, 213, 51}, {214, 1, 284, 51}, {286, 1, 301, 51}}},
-      {"no labels: 100-wide cells", kDockTop, {0, 0, 302, 52}, 0, 0, 5, "..###", 1,
-       {{1, 1, 101, 51}, {102, 1, 202, 51}, {256, 1, 271, 51}, {271, 1, 286, 51}, {286, 1, 301, 51}}},
-      {"entries before firstFull are title strips", kDockTop, {0, 0, 302, 52}, 1, 2, 5, "##...", 4,
+      {"no labels: 100-wide cells",
+       kDockTop,
+       {0, 0, 302, 52},
+       0,
+       0,
+       5,
+       "..###",
+       1,
+       {{1, 1, 101, 51},
+        {102, 1, 202, 51},
+        {256, 1, 271, 51},
+        {271, 1, 286, 51},
+        {286, 1, 301, 51}}},
+      {"entries before firstFull are title strips",
+       kDockTop,
+       {0, 0, 302, 52},
+       1,
+       2,
+       5,
+       "##...",
+       4,
        {{1, 1, 16, 51}, {17, 1, 32, 51}, {33, 1, 103, 51}, {104, 1, 174, 51}, {175, 1, 245, 51}}},
-      {"left: 40 high plus label", kDockLeft, {0, 0, 82, 302}, 1, 0, 6, ".....#", 4,
-       {{1, 1, 81, 56}, {1, 57, 81, 112}, {1, 113, 81, 168}, {1, 169, 81, 224}, {1, 225, 81, 280},
+      {"left: 40 high plus label",
+       kDockLeft,
+       {0, 0, 82, 302},
+       1,
+       0,
+       6,
+       ".....#",
+       4,
+       {{1, 1, 81, 56},
+        {1, 57, 81, 112},
+        {1, 113, 81, 168},
+        {1, 169, 81, 224},
+        {1, 225, 81, 280},
         {1, 286, 81, 301}}},
-      {"left: a collapsed cell painted without its label's share", kDockLeft, {0, 0, 82, 302}, 1, 2, 5, "##...", 4,
+      {"left: a collapsed cell painted without its label's share",
+       kDockLeft,
+       {0, 0, 82, 302},
+       1,
+       2,
+       5,
+       "##...",
+       4,
        {{1, 1, 81, 16}, {1, 17, 81, 32}, {1, 33, 81, 88}, {1, 89, 81, 144}, {1, 145, 81, 200}}},
-      {"a command side is horizontal", kDockCommandRight, {0, 0, 302, 52}, 1, 0, 5, "....#", 3,
+      {"a command side is horizontal",
+       kDockCommandRight,
+       {0, 0, 302, 52},
+       1,
+       0,
+       5,
+       "....#",
+       3,
        {{1, 1, 71, 51}, {72, 1, 142, 51}, {143, 1, 213, 51}, {214, 1, 284, 51}, {286, 1, 301, 51}}},
   };
   for (const Case& c : cases) {
@@ -180,11 +234,14 @@ TEST_F(StripTest, ClicksSwitchOrBringACollapsedCellIntoView) {
   };
   // Laid out: cells 0..3 full, 4 stacked at 286..301; firstFull as given.
   const Case cases[] = {
-      {"past the end: shifts by index - lastFull", 290, 0, 0, StripClickAction::Expanded, -1, 1, "#...."},
-      {"Ctrl switches and leaves the layout", 290, kMkControl, 0, StripClickAction::Switch, 4, 0, "....#"},
+      {"past the end: shifts by index - lastFull", 290, 0, 0, StripClickAction::Expanded, -1, 1,
+       "#...."},
+      {"Ctrl switches and leaves the layout", 290, kMkControl, 0, StripClickAction::Switch, 4, 0,
+       "....#"},
       {"the pixel between two cells", 71, 0, 0, StripClickAction::None, -1, 0, "....#"},
       {"a full cell switches", 100, 0, 0, StripClickAction::Switch, 1, 0, "....#"},
-      {"before firstFull: firstFull goes back to it", 5, 0, 1, StripClickAction::Expanded, -1, 0, "....#"},
+      {"before firstFull: firstFull goes back to it", 5, 0, 1, StripClickAction::Expanded, -1, 0,
+       "....#"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
@@ -194,7 +251,8 @@ TEST_F(StripTest, ClicksSwitchOrBringACollapsedCellIntoView) {
     layout.PlaceCells(list(), settings);
     const StripClick click = layout.OnLButtonDown(list(), c.flags, c.x, 20);
     EXPECT_EQ(click.action, c.action);
-    EXPECT_EQ(click.document, c.switchTo < 0 ? nullptr : docs[static_cast<std::size_t>(c.switchTo)]);
+    EXPECT_EQ(click.document,
+              c.switchTo < 0 ? nullptr : docs[static_cast<std::size_t>(c.switchTo)]);
     EXPECT_EQ(layout.firstFull, c.firstFullAfter);
     LayOut(kDockTop, {0, 0, 302, 52});
     EXPECT_EQ(Flags(), c.flagsAfterRelayout);
@@ -225,24 +283,107 @@ TEST_F(StripTest, ScrollingPlacesTheBarBySideAndClampsThePosition) {
   };
   constexpr unsigned kBase = kSifRange | kSifPage | kSifDisableNoHide;
   const Case cases[] = {
-      {"top: band at the top", kDockTop, {0, 0, 302, 52}, false, 5, 0, StripScrollBar::Horizontal,
-       {1, 1, 301, 13}, {1, 13, 301, 51}, {kBase, 0, 350, 300, 0}, 0},
-      {"past the limit: SIF_POS", kDockTop, {0, 0, 302, 52}, false, 5, 100, StripScrollBar::Horizontal,
-       {1, 1, 301, 13}, {1, 13, 301, 51}, {kBase | kSifPos, 0, 350, 300, 50}, 50},
-      {"bottom", kDockBottom, {0, 0, 302, 52}, false, 5, 0, StripScrollBar::Horizontal,
-       {1, 39, 301, 51}, {1, 1, 301, 39}, {kBase, 0, 350, 300, 0}, 0},
-      {"a command side takes the bottom band", kDockCommandLeft, {0, 0, 302, 52}, false, 5, 0,
-       StripScrollBar::Horizontal, {1, 39, 301, 51}, {1, 1, 301, 39}, {kBase, 0, 350, 300, 0}, 0},
+      {"top: band at the top",
+       kDockTop,
+       {0, 0, 302, 52},
+       false,
+       5,
+       0,
+       StripScrollBar::Horizontal,
+       {1, 1, 301, 13},
+       {1, 13, 301, 51},
+       {kBase, 0, 350, 300, 0},
+       0},
+      {"past the limit: SIF_POS",
+       kDockTop,
+       {0, 0, 302, 52},
+       false,
+       5,
+       100,
+       StripScrollBar::Horizontal,
+       {1, 1, 301, 13},
+       {1, 13, 301, 51},
+       {kBase | kSifPos, 0, 350, 300, 50},
+       50},
+      {"bottom",
+       kDockBottom,
+       {0, 0, 302, 52},
+       false,
+       5,
+       0,
+       StripScrollBar::Horizontal,
+       {1, 39, 301, 51},
+       {1, 1, 301, 39},
+       {kBase, 0, 350, 300, 0},
+       0},
+      {"a command side takes the bottom band",
+       kDockCommandLeft,
+       {0, 0, 302, 52},
+       false,
+       5,
+       0,
+       StripScrollBar::Horizontal,
+       {1, 39, 301, 51},
+       {1, 1, 301, 39},
+       {kBase, 0, 350, 300, 0},
+       0},
       // Vertical: 6 x (40 + 1 + 15) = 336 counted, 6 x 55 = 330 used.
-      {"left", kDockLeft, {0, 0, 82, 302}, false, 6, 0, StripScrollBar::Vertical, {1, 1, 13, 301},
-       {13, 1, 81, 301}, {kBase, 0, 336, 300, 0}, 0},
-      {"right", kDockRight, {0, 0, 82, 302}, false, 6, 0, StripScrollBar::Vertical, {69, 1, 81, 301},
-       {1, 1, 69, 301}, {kBase, 0, 336, 300, 0}, 0},
+      {"left",
+       kDockLeft,
+       {0, 0, 82, 302},
+       false,
+       6,
+       0,
+       StripScrollBar::Vertical,
+       {1, 1, 13, 301},
+       {13, 1, 81, 301},
+       {kBase, 0, 336, 300, 0},
+       0},
+      {"right",
+       kDockRight,
+       {0, 0, 82, 302},
+       false,
+       6,
+       0,
+       StripScrollBar::Vertical,
+       {69, 1, 81, 301},
+       {1, 1, 69, 301},
+       {kBase, 0, 336, 300, 0},
+       0},
       // 5 x 56 = 280 counted with the gaps, 275 used: no bar, and the position is reset.
-      {"left, all fit", kDockLeft, {0, 0, 82, 302}, false, 5, 20, StripScrollBar::None, {}, {1, 1, 81, 301}, {}, 0},
-      {"floating wide, docked left: a horizontal bar in the left band", kDockLeft, {0, 0, 302, 52}, true, 5, 0,
-       StripScrollBar::Horizontal, {1, 1, 13, 51}, {13, 1, 301, 51}, {kBase, 0, 350, 300, 0}, 0},
-      {"empty list", kDockTop, {0, 0, 302, 52}, false, 0, 0, StripScrollBar::None, {}, {1, 1, 301, 51}, {}, 0},
+      {"left, all fit",
+       kDockLeft,
+       {0, 0, 82, 302},
+       false,
+       5,
+       20,
+       StripScrollBar::None,
+       {},
+       {1, 1, 81, 301},
+       {},
+       0},
+      {"floating wide, docked left: a horizontal bar in the left band",
+       kDockLeft,
+       {0, 0, 302, 52},
+       true,
+       5,
+       0,
+       StripScrollBar::Horizontal,
+       {1, 1, 13, 51},
+       {13, 1, 301, 51},
+       {kBase, 0, 350, 300, 0},
+       0},
+      {"empty list",
+       kDockTop,
+       {0, 0, 302, 52},
+       false,
+       0,
+       0,
+       StripScrollBar::None,
+       {},
+       {1, 1, 301, 51},
+       {},
+       0},
   };
   settings.ScrollOverflow = 1;
   for (const Case& c : cases) {
@@ -331,7 +472,8 @@ TEST_F(StripTest, OutOfRangeSizesStayInsideTheCoordinateRange) {
   settings.ScrollOverflow = 1;
   settings.ScrollBarSize = INT_MAX;
   layout.SetDockSide(kDockTop);
-  StripLayoutResult r = layout.Layout(list(), settings, {{0, 0, 302, 52}, {0, 0, 2000000000, 1}, false});
+  StripLayoutResult r =
+      layout.Layout(list(), settings, {{0, 0, 302, 52}, {0, 0, 2000000000, 1}, false});
   EXPECT_EQ(layout.CellSize(nullptr, settings).width, INT_MAX);
   EXPECT_EQ(layout.totalLength, INT_MAX);
   EXPECT_EQ(r.scrollBar, StripScrollBar::Horizontal);

@@ -58,8 +58,10 @@ TEST_F(StripActionsTest, SwitchOnBusyDecidesAClickDuringACommand) {
       vetoed = TabSelChanging(h.host, bar->Settings());
       switched = SwitchToDocument(h.host, bar->Settings(), a);
     };
-    if (k.inCommand) h.host.RunCommandDuring("LINE", click);
-    else click();
+    if (k.inCommand)
+      h.host.RunCommandDuring("LINE", click);
+    else
+      click();
     EXPECT_EQ(switched, k.stripSwitches);
     EXPECT_EQ(vetoed, k.tabVetoes);
     EXPECT_EQ(h.host.MdiActive(), k.stripSwitches ? a : c);
@@ -79,7 +81,9 @@ class ActivationWatch final : public port::DocManagerEvents {
   void TAVLET_PORT_CALL DocumentToBeDestroyed(port::Document) override {}
   void TAVLET_PORT_CALL DocumentDestroyed(const char*) override {}
   void TAVLET_PORT_CALL DocumentLockModeChanged(port::Document, const char*) override {}
-  void TAVLET_PORT_CALL DocumentActivated(port::Document) override { changing.push_back(bar_.TabChanging); }
+  void TAVLET_PORT_CALL DocumentActivated(port::Document) override {
+    changing.push_back(bar_.TabChanging);
+  }
   std::vector<bool> changing;
 
  private:
@@ -98,7 +102,8 @@ TEST_F(StripActionsTest, TabSelectionMakesItsDrawingCurrentUnderTabChanging) {
   EXPECT_EQ(h.host.MdiActive(), a);
   EXPECT_EQ(h.host.Current(), a);
   EXPECT_EQ(bar->Tabs().Selected(), at);
-  EXPECT_EQ(h.windows.LogOf("RedrawWindow TabStrip"), (std::vector<std::string>{"RedrawWindow TabStrip 0x105"}));
+  EXPECT_EQ(h.windows.LogOf("RedrawWindow TabStrip"),
+            (std::vector<std::string>{"RedrawWindow TabStrip 0x105"}));
 
   h.windows.ClearLog();
   EXPECT_FALSE(TabSelChange(*bar, 3));
