@@ -610,6 +610,13 @@ port::Result SimHost::PopDbmod(port::Document doc) {
   return port::kOk;
 }
 
+port::Result SimHost::SetCurrentDocument(port::Document doc, long, bool activate) {
+  SIM_DOCUMENT("DocManager::SetCurrentDocument");
+  if (activate) ActivateInternal(doc);
+  else current_ = doc;
+  return port::kOk;
+}
+
 #undef SIM_DOCUMENT
 
 // ---------------------------------------------------------------- Editor

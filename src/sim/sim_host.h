@@ -236,6 +236,7 @@ class SimHost final : public port::HostSession,
   port::Result TAVLET_PORT_CALL IsModified(port::Document doc, bool* modified) override;
   port::Result TAVLET_PORT_CALL DatabaseOf(port::Document doc, port::Database* db) override;
   port::Result TAVLET_PORT_CALL PopDbmod(port::Document doc) override;
+  port::Result TAVLET_PORT_CALL SetCurrentDocument(port::Document doc, long lockMode, bool activate) override;
 
   // Editor
   port::Result TAVLET_PORT_CALL GetVariable(const char* name, port::Value* value, port::TextSink* text) override;

@@ -24,12 +24,13 @@ class DocManagerEvents {
   ~DocManagerEvents() = default;
 };
 
+inline constexpr long kLockNone = 0x00;   // AcAp::kNone
 inline constexpr long kLockWrite = 0x01;  // AcAp::kWrite
 
 // The document manager, and the few questions asked of one document.
 // Real host: acDocManagerPtr() (mdiActiveDocument, curDocument, documentCount,
 // newAcApDocumentIterator, activateDocument, appContextNewDocument, lockDocument,
-// unlockDocument, document(db), add/removeReactor) and on an AcApDocument
+// unlockDocument, document(db), add/removeReactor, setCurDocument) and on an AcApDocument
 // cDoc()->GetPathName(), cDoc()->IsModified(), fileName(), isReadOnly(),
 // isQuiescent(), database(), popDbmod().
 // Simulation: SimHost's document list; the walk follows its iteration order,
@@ -60,6 +61,9 @@ class DocManager {
   virtual Result TAVLET_PORT_CALL IsModified(Document doc, bool* modified) = 0;
   virtual Result TAVLET_PORT_CALL DatabaseOf(Document doc, Database* db) = 0;
   virtual Result TAVLET_PORT_CALL PopDbmod(Document doc) = 0;
+  // setCurDocument(doc, lockMode, activate): the document becomes current, and
+  // with `activate` the MDI-active one too. kLockNone asks for no lock.
+  virtual Result TAVLET_PORT_CALL SetCurrentDocument(Document doc, long lockMode, bool activate) = 0;
 
  protected:
   ~DocManager() = default;
