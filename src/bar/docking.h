@@ -118,7 +118,8 @@ class GripSizing {
                                           bool buttonDown);
   // WM_MOUSEMOVE while sizing: the new thickness, written to WidthOnCmdWnd on a
   // command side and to Size otherwise, unclamped. nullopt when not sizing.
-  std::optional<long> OnMouseMove(BarSettings& settings, long x, long y, long clientWidth, long clientHeight);
+  std::optional<long> OnMouseMove(BarSettings& settings, long x, long y, long clientWidth,
+                                  long clientHeight);
   // WM_LBUTTONUP (the window releases the capture first): at the end of a drag,
   // stores Size (and runs `refreshAll` on an area side) or WidthOnCmdWnd on a
   // command side, then nudges the frame. False when no drag was under way.
@@ -131,7 +132,8 @@ class GripSizing {
 };
 
 // The thickness a drag to (x, y) gives on `dockSide`; nullopt on a side with no grip.
-std::optional<long> DragThickness(int dockSide, long x, long y, long clientWidth, long clientHeight);
+std::optional<long> DragThickness(int dockSide, long x, long y, long clientWidth,
+                                  long clientHeight);
 
 // ---------------------------------------------------------------- floating and hiding
 
@@ -140,6 +142,10 @@ std::optional<long> DragThickness(int dockSide, long x, long y, long clientWidth
 host::WindowRect DefaultFloatRect(const host::WindowRect& mdiClientOnScreen);
 inline constexpr long kFloatWidth = 300;
 inline constexpr long kFloatHeight = 100;
+// FloatFrame's initialisation: the stored FloatPosition (a placement of the
+// wrong shape counts as restored and moves nothing), else DefaultFloatRect.
+void PlaceFloatFrame(const SettingsStore& store, WindowPort& frame,
+                     const host::WindowRect& mdiClientOnScreen);
 
 // HideOnSingle with exactly one drawing: the hooks pass sizes through and the
 // thicknesses are 0.

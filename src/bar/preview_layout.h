@@ -135,7 +135,9 @@ class StripLayout {
   StripLayoutResult Layout(DocList& list, const BarSettings& settings, const StripFrame& frame);
 
   // Paint-time placement; `titleHeight` must be set first (TitleHeightFor).
-  CellCursor Cells(const BarSettings& settings, int count) const { return CellCursor(*this, settings, count); }
+  CellCursor Cells(const BarSettings& settings, int count) const {
+    return CellCursor(*this, settings, count);
+  }
   // Places every entry in turn and stores its itemRect; the rectangles in order.
   std::vector<host::WindowRect> PlaceCells(DocList& list, const BarSettings& settings);
 

@@ -1,6 +1,7 @@
 #include "host/module_hooks.h"
 
 #include "bar/bar_model.h"
+#include "bar/docking.h"
 
 namespace tavlet::host {
 
@@ -33,60 +34,16 @@ void FrameAreaHook::OnWindowPosChanging(port::Window window, WindowPos& pos) {
 void FrameAreaHook::Carve(port::Window window, WindowPos& pos) {
   const bar::FrameHandles& frame = bar_.Frame();
   const bool onCommandHost = window == frame.commandHost;
-  const bool onMdiClient = window == frame.mdiClient;
-  if (!on_ || !(onCommandHost || onMdiClient)) return;
-  if (bar_.Settings().HideOnSingle && bar_.DrawingCount() == 1) return;
-  // A frame being minimised proposes a zero size; the stored rectangles stay.
-  if (pos.cx == 0 || pos.cy == 0) return;
-  WindowRect rect{pos.x, pos.y, pos.x + pos.cx, pos.y + pos.cy};
-  const int side = bar_.DockSide();
-  const bool floating = bar_.Floating();
-
-  if (onCommandHost) {
-    bar_.commandHostRect = rect;
-    if (!bar::IsAreaSide(side) && !floating) {
-      const long width = bar_.CommandWidth();
-      if (side == bar::kDockCommandLeft) {
-        pos.x += width;
-        rect.right = pos.x;
-        pos.cx -= width;
-      } else if (side == bar::kDockCommandRight) {
-        rect.left = pos.x + pos.cx - width;
-        pos.cx -= width;
-      }
-      windows_.MoveWindow(bar_.Window(), rect, true);
-    }
-  } else {
-    bar_.mdiClientRect = rect;
-    if (bar::IsAreaSide(side) && !floating) {
-      const long thickness =
-          bar_.DrawingCount() < 1 || bar_.TabMode() ? bar_.TabThickness(&rect) : bar_.PreviewThickness();
-      switch (side) {
-        case bar::kDockTop:
-          pos.y += thickness;
-          rect.bottom = pos.y;
-          pos.cy -= thickness;
-          break;
-        case bar::kDockLeft:
-          pos.x += thickness;
-          rect.right = pos.x;
-          pos.cx -= thickness;
-          break;
-        case bar::kDockRight:
-          rect.left = pos.x + pos.cx - thickness;
-          pos.cx -= thickness;
-          break;
-        default:
-          rect.top = pos.y + pos.cy - thickness;
-          pos.cy -= thickness;
-          break;
-      }
-      windows_.MoveWindow(bar_.Window(), rect, true);
-    }
-  }
+  const bool hooked = onCommandHost || window == frame.mdiClient;
+  if (bar::HookPassesThrough(true, hooked, on_, bar_.Settings().HideOnSingle, [this] { return bar_.DrawingCount(); },
+                             pos))
+    return;
+  const bar::HookOutcome outcome = bar::CarveForHook(bar_, onCommandHost, pos);
+  pos = outcome.carving.pos;
+  if (outcome.carving.moveBar) windows_.MoveWindow(bar_.Window(), outcome.carving.bar, true);
   // Floating or beside the command line the strip keeps its size, but the
   // drawing area's proportions it copies may have changed.
-  if (floating || !bar::IsAreaSide(side)) bar_.LayOutStrip();
+  if (outcome.layOutStrip) bar_.LayOutStrip();
 }
 
 }  // namespace tavlet::host
