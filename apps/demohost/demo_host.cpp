@@ -294,7 +294,8 @@ bool DemoHost::LoadModule(std::string& error, bool atStartup) {
     return false;
   }
   static char pkt;
-  if (atStartup) {
+  // With no drawing open the host runs no command: the load is then like one at start-up.
+  if (atStartup || !host_.Current()) {
     entry_(1, &pkt, &session_);
     win32::RepositionBars(frame_, 0, 0xFFFF, win32::kMdiClientId, false);
   } else {
