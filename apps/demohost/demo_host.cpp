@@ -316,6 +316,7 @@ void DemoHost::UnloadModule() {
 }
 
 port::Document DemoHost::Open(const std::string& path) {
+  host_.TranscriptRef() += "Command: OPEN " + path + "\n";
   port::Document doc = host_.OpenDrawing(path);
   if (!doc) host_.TranscriptRef() += "Cannot open " + path + ": " + host_.LastOpenError() + "\n";
   RefreshTranscript();
@@ -328,11 +329,14 @@ void DemoHost::Execute(const std::string& typed) {
   const auto space = line.find_first_of(" \t");
   const std::string command = ToUpper(line.substr(0, space));
   const std::string argument = space == std::string::npos ? "" : Trim(line.substr(space));
-  host_.TranscriptRef() += line + "\n";
   if (command == "OPEN") {
     if (argument.empty()) OpenByDialog();
     else Open(argument);
-  } else if (command == "CLOSE") {
+    RefreshTranscript();
+    return;
+  }
+  host_.TranscriptRef() += "Command: " + line + "\n";
+  if (command == "CLOSE") {
     if (port::Document doc = host_.MdiActive()) host_.CloseDrawing(doc);
   } else if (!host_.RunRegisteredCommand(command)) {
     host_.RunCommand(command, command != "ZOOM" && command != "REDRAW", argument);

@@ -1,6 +1,7 @@
-// demohost [--script FILE] [--module PATH] [--size WIDTHxHEIGHT] [DRAWING...]
+// demohost [--script FILE] [--out FOLDER] [--module PATH] [--size WIDTHxHEIGHT] [DRAWING...]
 // Plays the CAD host with the module loaded from its DLL (Tavlet.arx beside the
-// program unless --module says otherwise). With --script it runs the script and
+// program unless --module says otherwise). With --script it runs the script
+// (screenshots below --out) and
 // exits: 0 when every step worked, 1 when a step or check failed, 2 for a wrong
 // script or wrong arguments.
 #include <windows.h>
@@ -25,21 +26,22 @@ std::string BesideProgram(const char* name) {
 
 int Usage(const std::string& problem) {
   std::cerr << "demohost: " << problem << "\n"
-            << "usage: demohost [--script FILE] [--module PATH] [--size WIDTHxHEIGHT] [DRAWING...]\n";
+            << "usage: demohost [--script FILE] [--out FOLDER] [--module PATH] [--size WIDTHxHEIGHT] [DRAWING...]\n";
   return tavlet::demo::kScriptMalformed;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::string scriptPath, modulePath = BesideProgram("Tavlet.arx");
+  std::string scriptPath, outputFolder, modulePath = BesideProgram("Tavlet.arx");
   int width = 1024, height = 768;
   std::vector<std::string> drawings;
   for (int i = 1; i < argc; ++i) {
     const std::string arg = argv[i];
-    if ((arg == "--script" || arg == "--module" || arg == "--size") && i + 1 >= argc)
+    if ((arg == "--script" || arg == "--out" || arg == "--module" || arg == "--size") && i + 1 >= argc)
       return Usage(arg + " needs a value");
     if (arg == "--script") scriptPath = argv[++i];
+    else if (arg == "--out") outputFolder = argv[++i];
     else if (arg == "--module") modulePath = argv[++i];
     else if (arg == "--size") {
       if (std::sscanf(argv[++i], "%dx%d", &width, &height) != 2 || width < 200 || height < 200)
@@ -70,7 +72,7 @@ int main(int argc, char** argv) {
   }
   if (scriptPath.empty()) return demo.Run();
 
-  tavlet::demo::ScriptRunner runner(demo, script, std::cout);
+  tavlet::demo::ScriptRunner runner(demo, script, std::cout, outputFolder);
   const bool ok = runner.Run(error);
   if (!ok) std::cerr << error << std::endl;
   std::cout << "---- transcript ----\n" << demo.Host().Transcript() << std::endl;

@@ -271,8 +271,10 @@ bool ScriptRunner::Step(const ScriptStep& step, std::string& error) {
     demo_.Pump(200);
     shot_ = CaptureWindow(frame);
     GetWindowRect(frame, &shotRect_);
-    if (!WritePicture(*shot_, args[0], error)) return false;
-    log_ << "    screenshot " << args[0] << " (" << shot_->width << "x" << shot_->height << ")" << std::endl;
+    const bool absolute = args[0].size() > 1 && (args[0][1] == ':' || args[0][0] == '\\' || args[0][0] == '/');
+    const std::string path = absolute || outputFolder_.empty() ? args[0] : outputFolder_ + "\\" + args[0];
+    if (!WritePicture(*shot_, path, error)) return false;
+    log_ << "    screenshot " << path << " (" << shot_->width << "x" << shot_->height << ")" << std::endl;
   } else if (verb == "check-bar") {
     return CheckBar(step, error);
   } else if (verb == "set") {

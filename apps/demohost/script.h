@@ -39,7 +39,9 @@ class Script {
 
 class ScriptRunner {
  public:
-  ScriptRunner(DemoHost& demo, const Script& script, std::ostream& log) : demo_(demo), script_(script), log_(log) {}
+  // Screenshots with a relative path go below `outputFolder` (empty: the current folder).
+  ScriptRunner(DemoHost& demo, const Script& script, std::ostream& log, std::string outputFolder = "")
+      : demo_(demo), script_(script), log_(log), outputFolder_(std::move(outputFolder)) {}
   // Runs every step; stops at the first that fails, with "FILE:LINE: ..." in `error`.
   bool Run(std::string& error);
   bool QuitRequested() const { return quit_; }
@@ -53,6 +55,7 @@ class ScriptRunner {
   DemoHost& demo_;
   const Script& script_;
   std::ostream& log_;
+  std::string outputFolder_;
   std::optional<Picture> shot_;
   RECT shotRect_{};
   bool quit_ = false;
