@@ -297,7 +297,7 @@ bool DemoHost::LoadModule(std::string& error, bool atStartup) {
   // With no drawing open the host runs no command: the load is then like one at start-up.
   if (atStartup || !host_.Current()) {
     entry_(1, &pkt, &session_);
-    win32::RepositionBars(frame_, 0, 0xFFFF, win32::kMdiClientId, false);
+    LayOutFrame();
   } else {
     host_.RunCommandDuring("APPLOAD", [this] { entry_(1, &pkt, &session_); });
   }
@@ -357,6 +357,16 @@ void DemoHost::RefreshTranscript() {
   SetWindowTextA(transcriptEdit_, shown.c_str());
   SendMessageA(transcriptEdit_, EM_SETSEL, shown.size(), shown.size());
   SendMessageA(transcriptEdit_, EM_SCROLLCARET, 0, 0);
+}
+
+void DemoHost::LayOutFrame() {
+  if (!frame_ || !mdiClient_) return;
+  win32::RepositionBars(frame_, 0, 0xFFFF, win32::kMdiClientId, false);
+  // The dock places its command host even when its own size stayed, as a
+  // control bar's layout does.
+  RECT dock{};
+  GetClientRect(commandDock_, &dock);
+  MoveWindow(commandHost_, 0, 0, dock.right, dock.bottom, TRUE);
 }
 
 void DemoHost::Dispatch(MSG& message) {
@@ -483,8 +493,7 @@ LRESULT CALLBACK FrameProcedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM l
 LRESULT DemoHost::OnFrameMessage(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
     case WM_SIZE:
-      if (wParam != SIZE_MINIMIZED && mdiClient_)
-        win32::RepositionBars(hwnd, 0, 0xFFFF, win32::kMdiClientId, false);
+      if (wParam != SIZE_MINIMIZED && mdiClient_) LayOutFrame();
       return 0;
     case WM_COMMAND:
       if (LOWORD(wParam) < kFirstChild) {
@@ -496,7 +505,7 @@ LRESULT DemoHost::OnFrameMessage(HWND hwnd, UINT message, WPARAM wParam, LPARAM 
       if (wParam == kTranscriptTimer) RefreshTranscript();
       return 0;
     case kDelayedLayout:
-      win32::RepositionBars(hwnd, 0, 0xFFFF, win32::kMdiClientId, false);
+      LayOutFrame();
       return 0;
     case WM_DESTROY:
       KillTimer(hwnd, kTranscriptTimer);

@@ -123,6 +123,8 @@ class DemoHost final : private port::DocManagerEvents {
   void OnMenu(UINT id);
   void OpenByDialog();
   void RefreshTranscript();
+  // The frame's bars and its MDI client, then the command dock's host.
+  void LayOutFrame();
   void Dispatch(MSG& message);
 
   sim::SimHost host_;

@@ -6,16 +6,20 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <iostream>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <vector>
 
-#include "demo_host.h"
+#include "demohost/demo_host.h"
 #include "platform/win32/bar/preview_strip_win32.h"
 #include "platform/win32/frame_layout.h"
 #include "platform/win32/registry_backend_win32.h"
-#include "script.h"
+#include "demohost/script.h"
 #include "settings/settings_table.h"
+#include "support/test_paths.h"
 
 namespace tavlet::demo {
 namespace {
@@ -392,6 +396,23 @@ TEST_F(BarOnFrame, StoredSettingsOutOfRangeDoWhatTheyStandFor) {
   EXPECT_TRUE(Same(InParent(demo->MdiClient()), FullArea()));
 }
 
+TEST_F(BarOnFrame, WithNoDrawingTheBarKeepsACaptionAndAnswersItsOwnMessages) {
+  Start({{"", "DockSide", kLeft}, {"", "Size", 100}}, 0);
+  HWND bar = Bar();
+  ASSERT_NE(bar, nullptr);
+  // No tab is selected with no drawing open: the caption's height, not Size.
+  EXPECT_EQ(InParent(demo->MdiClient()).left, FullArea().left + GetSystemMetrics(SM_CYCAPTION));
+  EXPECT_EQ(SendMessageA(bar, 0x7101, 0, 0), 1);  // the host's keep-focus message
+  SendMessageA(bar, WM_CLOSE, 0, 0);
+  EXPECT_TRUE(IsWindow(bar));
+  SendMessageA(bar, WM_LBUTTONDBLCLK, MK_CONTROL, 0);
+  SendMessageA(bar, WM_LBUTTONDBLCLK, 0, 0);
+  const auto& boxes = demo->Host().ShownBoxes();
+  ASSERT_EQ(boxes.size(), 2u);
+  EXPECT_EQ(boxes[0].text, "还没有打开工作!");
+  EXPECT_EQ(boxes[1].text, "最近文件使用列表中没有文件!");
+}
+
 // ---------------------------------------------------------------- scripts
 
 TEST(DemoScript, WrongScriptsFailWithFileLineAndWhatWasExpected) {
@@ -411,7 +432,7 @@ TEST(DemoScript, WrongScriptsFailWithFileLineAndWhatWasExpected) {
     SCOPED_TRACE(c.text);
     std::string error;
     Script script;
-    const std::string folder = testing::MakeTempFolder("script");
+    const std::string folder = tavlet::testing::MakeTempFolder("script");
     const std::string path = folder + "\\demo.txt";
     FILE* f = std::fopen(path.c_str(), "wb");
     ASSERT_NE(f, nullptr);
@@ -428,7 +449,7 @@ TEST(DemoScript, WrongScriptsFailWithFileLineAndWhatWasExpected) {
 
 TEST_F(BarOnFrame, AScriptStopsAtAMissingDrawingAndAScreenshotShowsTheCells) {
   Start({{"", "DockSide", kLeft}, {"", "Size", 100}}, 3);
-  const std::string folder = testing::MakeTempFolder("shots");
+  const std::string folder = tavlet::testing::MakeTempFolder("shots");
   std::string error;
   Script good;
   ASSERT_TRUE(good.Parse("screenshot bar.bmp\ncheck-bar 3\n", error)) << error;
