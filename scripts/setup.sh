@@ -31,12 +31,44 @@ for package in "${packages[@]}"; do
   status=$(dpkg-query -W -f='${Status}' "$package" 2>/dev/null || true)
   [ "$status" = "install ok installed" ] || missing+=("$package")
 done
+export DEBIAN_FRONTEND=noninteractive
+updated=""
+update_indexes() {
+  [ -n "$updated" ] && return 0
+  updated=1
+  # An index that fails (a mirror in the middle of a sync) must not stop the
+  # install of what the other indexes offer.
+  $sudo apt-get update || echo "setup: some package indexes could not be downloaded; going on with the others"
+}
+
 if [ ${#missing[@]} -eq 0 ]; then
   echo "setup: everything needed is installed"
 else
   echo "setup: installing ${missing[*]}"
-  export DEBIAN_FRONTEND=noninteractive
-  $sudo apt-get update
+  update_indexes
   $sudo apt-get install -y --no-install-recommends "${missing[@]}"
 fi
 ensure_locale
+
+# 32-bit Wine runs the i686 shipping build (demo and the Win32 suites). Debian's
+# wine32 needs the i386 architecture; when its index can't be had, or its
+# packages can't be installed beside the 64-bit ones, everything else still runs
+# and the 32-bit runs are skipped.
+if [ "$purpose" != bench ]; then
+  if [ "$(dpkg-query -W -f='${Status}' wine32:i386 2>/dev/null || true)" = "install ok installed" ]; then
+    echo "setup: 32-bit Wine is installed"
+  else
+    if ! dpkg --print-foreign-architectures | grep -qx i386; then
+      echo "setup: enabling the i386 architecture for 32-bit Wine"
+      $sudo dpkg --add-architecture i386
+      updated=""
+    fi
+    update_indexes
+    if $sudo apt-get install -y --no-install-recommends wine32:i386 >/tmp/tavlet-wine32.log 2>&1; then
+      echo "setup: 32-bit Wine installed"
+    else
+      echo "setup: 32-bit Wine could not be installed; the 32-bit (i686) runs will be SKIPPED. apt said:"
+      grep -E '^(E:|W:| )' /tmp/tavlet-wine32.log | head -12 | sed 's/^/setup:   /'
+    fi
+  fi
+fi

@@ -19,6 +19,16 @@ for preset in linux win64; do
     step "test $preset" ctest --preset "$preset"
 done
 step "configure win32" cmake --preset win32 >/dev/null && step "build win32" cmake --build --preset win32
+# The suites that cross the host port (the module loaded as a DLL into real
+# windows, and start-up through the window system) on the i686 build, where
+# __stdcall matters, under 32-bit Wine.
+if [ "$(dpkg-query -W -f='${Status}' wine32:i386 2>/dev/null || true)" = "install ok installed" ]; then
+  step "configure win32-test" cmake --preset win32-test >/dev/null &&
+    step "build win32-test" cmake --build --preset win32-test --target test_win32 test_startup &&
+    step "test win32-test" ctest --preset win32-test -R '^(wine\.|win32$|startup$)'
+else
+  echo "==== 32-bit Wine is not installed (see the setup's message): the i686 test runs were SKIPPED"
+fi
 step "configure fuzz" cmake --preset fuzz >/dev/null && step "build fuzz" cmake --build --preset fuzz &&
   step "fuzz" ctest --preset fuzz --verbose
 

@@ -1,0 +1,101 @@
+// The module DLL: its instance, the Win32 services it gives the portable module
+// at load, and the one exported entry.
+#include "platform/win32/arx/tavlet_arx.h"
+
+#include <windows.h>
+
+#include <memory>
+#include <string>
+
+#include "host/module.h"
+#include "platform/win32/bar/mv_tavlet_win32.h"
+#include "platform/win32/dib_paint.h"
+#include "platform/win32/raster_gdi.h"
+#include "platform/win32/registry_backend_win32.h"
+#include "platform/win32/window.h"
+#include "platform/win32/window_system_win32.h"
+
+namespace tavlet::win32 {
+namespace {
+
+// The command window's width, for the default of WidthOnCmdWnd.
+int CommandWindowWidth(port::HostSession& session) {
+  port::Window commandLine = nullptr;
+  if (port::Failed(session.Frame()->DockCommandLine(&commandLine)) || !commandLine) return 0;
+  RECT r{};
+  if (!GetWindowRect(reinterpret_cast<HWND>(commandLine), &r)) return 0;
+  return r.right - r.left;
+}
+
+std::string ModulePath() {
+  char path[MAX_PATH] = {};
+  GetModuleFileNameA(ModuleInstance(), path, MAX_PATH);
+  return path;
+}
+
+// What the module is given at load and takes down at unload.
+struct LoadedModule {
+  explicit LoadedModule(port::HostSession& session)
+      : windows(ModuleInstance()), display(CommandWindowWidth(session)) {}
+  Win32WindowSystem windows;
+  Win32Registry registry;
+  Win32DisplayDefaults display;
+};
+
+std::unique_ptr<LoadedModule>& Loaded() {
+  static std::unique_ptr<LoadedModule> loaded;
+  return loaded;
+}
+
+void Load(void* pkt, port::HostSession& session) {
+  if (Loaded()) return;
+  Loaded() = std::make_unique<LoadedModule>(session);
+  LoadedModule& module = *Loaded();
+  // The pixel work's platform parts: bitmaps in global memory as the host's
+  // clipboard and drawing calls expect, GDI text masks, AlphaBlend when msimg32 has it.
+  UseGlobalMemoryForDibs();
+  InstallGdiTextMask();
+  LoadAlphaBlend();
+  RegisterBarWindows(module.windows, [] {
+    host::TavletModule* running = host::CurrentModule();
+    return running ? running->Bar() : nullptr;
+  });
+  host::ModuleServices services;
+  services.windows = &module.windows;
+  services.registry = &module.registry;
+  services.display = &module.display;
+  services.modulePath = ModulePath();
+  host::SetModuleServices(services);
+  TavletEntry(host::kInitAppMsg, pkt, &session);
+}
+
+void Unload(port::HostSession& session) {
+  TavletEntry(host::kUnloadAppMsg, nullptr, &session);
+  UnloadAlphaBlend();
+  // A class keeps this DLL's window procedure: it must go before the DLL does.
+  UnregisterWindowClasses();
+  Loaded().reset();
+}
+
+}  // namespace
+}  // namespace tavlet::win32
+
+BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID) {
+  if (reason == DLL_PROCESS_ATTACH) {
+    tavlet::win32::SetModuleInstance(instance);
+    DisableThreadLibraryCalls(instance);
+  }
+  return TRUE;
+}
+
+extern "C" __declspec(dllexport) long TAVLET_PORT_CALL TavletArxEntry(long msg, void* pkt,
+                                                                      tavlet::port::HostSession* session) {
+  if (!session) return 0;
+  try {
+    if (msg == tavlet::host::kInitAppMsg) tavlet::win32::Load(pkt, *session);
+    else if (msg == tavlet::host::kUnloadAppMsg) tavlet::win32::Unload(*session);
+  } catch (...) {
+    // No failure of the module reaches the host as anything but a loaded module.
+  }
+  return 0;
+}

@@ -1,0 +1,275 @@
+#include "platform/win32/bar/mv_tavlet_win32.h"
+
+#include <commctrl.h>
+
+#include <cstdio>
+#include <string>
+
+#include "bar/strip_actions.h"
+#include "platform/win32/bar/preview_strip_win32.h"
+
+namespace tavlet::win32 {
+
+namespace {
+
+RECT ToRect(const host::WindowRect& r) {
+  return {static_cast<LONG>(r.left), static_cast<LONG>(r.top), static_cast<LONG>(r.right),
+          static_cast<LONG>(r.bottom)};
+}
+host::WindowRect FromRect(const RECT& r) { return {r.left, r.top, r.right, r.bottom}; }
+
+void Move(HWND window, const host::WindowRect& r, bool repaint) {
+  MoveWindow(window, static_cast<int>(r.left), static_cast<int>(r.top), static_cast<int>(r.Width()),
+             static_cast<int>(r.Height()), repaint);
+}
+
+HWND H(port::Window w) { return reinterpret_cast<HWND>(w); }
+port::Window W(HWND h) { return reinterpret_cast<port::Window>(h); }
+
+LPCSTR CursorId(bar::GripCursor cursor) {
+  switch (cursor) {
+    case bar::GripCursor::SizeWe:
+      return IDC_SIZEWE;
+    case bar::GripCursor::SizeNs:
+      return IDC_SIZENS;
+    default:
+      return IDC_ARROW;
+  }
+}
+
+constexpr char kNoWorkset[] = "还没有打开工作!";
+constexpr char kNoRecentFiles[] = "最近文件使用列表中没有文件!";
+constexpr char kRecentFileMissing[] = "Unable to find last opened drawing -\n%s";
+
+// The floating frame's placement as the settings store saves and restores it.
+class FramePlacement final : public WindowPort {
+ public:
+  explicit FramePlacement(HWND window) : window_(window) {}
+  bool IsWindow() override { return ::IsWindow(window_) != FALSE; }
+  bool GetWindowRect(ScreenRect& rect) override {
+    RECT r{};
+    if (!::GetWindowRect(window_, &r)) return false;
+    rect = {r.left, r.top, r.right, r.bottom};
+    return true;
+  }
+  bool IsZoomed() override { return ::IsZoomed(window_) != FALSE; }
+  // Only the place is restored: showing is the bar's decision.
+  void ShowWindow(int) override {}
+  void SetWindowPos(int x, int y, int width, int height) override {
+    ::SetWindowPos(window_, nullptr, x, y, width, height, SWP_NOZORDER | SWP_NOACTIVATE);
+  }
+
+ private:
+  HWND window_;
+};
+
+}  // namespace
+
+// ---------------------------------------------------------------- MvTavlet
+
+HWND MvTavletWindow::Make(const host::WindowCreation& c) {
+  if (!RegisterWindowClass("MvTavlet", CS_DBLCLKS, IDC_ARROW, nullptr)) return nullptr;
+  return Create("MvTavlet", 0, c.text, c.style, ToRect(c.rect), H(c.parent), static_cast<UINT_PTR>(c.id));
+}
+
+LRESULT MvTavletWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == kWmAcadKeepFocus) return 1;
+  return Window::OnMessage(message, wParam, lParam);
+}
+
+void MvTavletWindow::OnDestroy() {
+  // The floating frame is the bar's and goes first.
+  HWND floatFrame = H(bar_.FloatFrameWindow());
+  if (floatFrame && IsWindow(floatFrame)) {
+    if (GetParent(hwnd()) == floatFrame) SetParent(hwnd(), nullptr);
+    DestroyWindow(floatFrame);
+  }
+  if (GetCapture() == hwnd()) ReleaseCapture();
+}
+
+void MvTavletWindow::OnSize(UINT, int, int) {
+  RECT client{};
+  GetClientRect(hwnd(), &client);
+  const bar::ChildRects children = bar::BarChildRects(bar_.DockSide(), bar_.Floating(), FromRect(client));
+  if (HWND strip = H(bar_.StripWindow())) Move(strip, children.strip, false);
+  if (HWND tabs = H(bar_.TabWindow())) {
+    Move(tabs, children.tabs, true);
+    bar_.TabRows = static_cast<int>(SendMessageA(tabs, TCM_GETROWCOUNT, 0, 0));
+  }
+  if (HWND frame = H(bar_.Frame().frame)) RedrawWindow(frame, nullptr, nullptr, host::kRedrawNow);
+}
+
+void MvTavletWindow::OnPaint(HDC dc, const RECT&) {
+  RECT client{};
+  GetClientRect(hwnd(), &client);
+  GdiObject<HBRUSH> brush(CreateSolidBrush(bar_.Settings().Background));
+  FillRect(dc, &client, brush.get());
+}
+
+bool MvTavletWindow::OnSetCursor(HWND, UINT, UINT mouseMessage) {
+  POINT point{};
+  GetCursorPos(&point);
+  ScreenToClient(hwnd(), &point);
+  RECT client{};
+  GetClientRect(hwnd(), &client);
+  const auto answer = grip_.OnSetCursor(bar_.Settings(), bar_.TabMode(), point.x, point.y, client.right,
+                                        client.bottom, GetSystemMetrics(SM_CXFRAME),
+                                        mouseMessage == WM_LBUTTONDOWN);
+  if (!answer) return false;
+  SetCursor(LoadCursorA(nullptr, CursorId(answer->cursor)));
+  if (answer->takeCapture) SetCapture(hwnd());
+  return true;
+}
+
+void MvTavletWindow::OnMouseMove(UINT, int x, int y) {
+  RECT client{};
+  GetClientRect(hwnd(), &client);
+  // The bar keeps its size during the drag; the frame's next layout applies it.
+  grip_.OnMouseMove(bar_.Settings(), x, y, client.right, client.bottom);
+}
+
+void MvTavletWindow::OnLButtonUp(UINT, int, int) {
+  if (GetCapture() == hwnd()) ReleaseCapture();
+  // The captures of the previews belong to the capture work; the walk itself runs.
+  grip_.OnLButtonUp(bar_, [this] { bar::RefreshAllPreviews(bar_, [](bar::DocEntry&) {}); });
+}
+
+void MvTavletWindow::OnLButtonDblClk(UINT flags, int, int) {
+  if (bar::OnBarDoubleClick(flags) == bar::BarDoubleClick::LastWorkset) {
+    if (ReadString(bar_.Store(), keys::LastWorkset).empty()) ShowBox(kNoWorkset);
+    return;
+  }
+  RecentFileList& recent = bar_.RecentFiles();
+  if (recent.Count() == 0) {
+    ShowBox(kNoRecentFiles);
+    return;
+  }
+  const std::string path = recent.At(0);
+  if (GetFileAttributesA(path.c_str()) == INVALID_FILE_ATTRIBUTES) {
+    std::string text(sizeof kRecentFileMissing + path.size(), '\0');
+    text.resize(static_cast<std::size_t>(std::snprintf(text.data(), text.size(), kRecentFileMissing, path.c_str())));
+    ShowBox(text);
+  }
+}
+
+void MvTavletWindow::ShowBox(const std::string& text) {
+  long answer = 0;
+  bar_.Session().Boxes()->Show(text.c_str(), port::kBoxOk, &answer);
+}
+
+// ---------------------------------------------------------------- FloatFrame
+
+HWND FloatFrameWindow::Make(const host::WindowCreation& c) {
+  if (!RegisterWindowClass("TavletFloatFrame", CS_DBLCLKS, IDC_ARROW, reinterpret_cast<HBRUSH>(COLOR_3DFACE + 1)))
+    return nullptr;
+  HWND frame = H(c.parent);
+  host::WindowRect drawingArea = bar_.mdiClientRect;
+  if (drawingArea.Width() <= 0 || drawingArea.Height() <= 0) {
+    if (HWND mdiClient = H(bar_.Frame().mdiClient)) {
+      RECT r{};
+      GetClientRect(mdiClient, &r);
+      MapWindowPoints(mdiClient, frame, reinterpret_cast<POINT*>(&r), 2);
+      drawingArea = FromRect(r);
+    }
+  }
+  RECT onScreen = ToRect(drawingArea);
+  MapWindowPoints(frame, nullptr, reinterpret_cast<POINT*>(&onScreen), 2);
+  const RECT place = ToRect(bar::DefaultFloatRect(FromRect(onScreen)));
+  HWND hwnd = Create("TavletFloatFrame", WS_EX_TOOLWINDOW, c.text, WS_POPUP | WS_CAPTION | WS_THICKFRAME, place,
+                     frame, 0);
+  if (hwnd) {
+    FramePlacement placement(hwnd);
+    bar_.Store().RestoreWindowPlacement(sections::Root, keys::FloatPosition.key, placement);
+  }
+  return hwnd;
+}
+
+LRESULT FloatFrameWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_NCACTIVATE:
+      return 1;
+    case kWmAcadKeepFocus:
+      return 1;
+    case WM_SHOWWINDOW:
+      if (wParam) FitBar();
+      return Default();
+    default:
+      return Window::OnMessage(message, wParam, lParam);
+  }
+}
+
+void FloatFrameWindow::OnDestroy() {
+  FramePlacement placement(hwnd());
+  bar_.Store().SaveWindowPlacement(sections::Root, keys::FloatPosition.key, placement);
+}
+
+void FloatFrameWindow::OnSize(UINT, int, int) { FitBar(); }
+
+void FloatFrameWindow::FitBar() {
+  HWND barWindow = H(bar_.Window());
+  if (!bar_.Floating() || !barWindow || GetParent(barWindow) != hwnd()) return;
+  RECT client{};
+  GetClientRect(hwnd(), &client);
+  MoveWindow(barWindow, 0, 0, client.right, client.bottom, TRUE);
+  RedrawWindow(barWindow, nullptr, nullptr, host::kRedrawNow | host::kRdwAllChildren);
+}
+
+// ---------------------------------------------------------------- factories
+
+void RegisterBarWindows(Win32WindowSystem& windows, std::function<bar::BarModel*()> currentBar) {
+  windows.SetFactory("MvTavlet", [currentBar](const host::WindowCreation& c) -> port::Window {
+    bar::BarModel* bar = currentBar();
+    if (!bar) return nullptr;
+    auto* window = new MvTavletWindow(*bar);
+    HWND hwnd = window->Make(c);
+    if (!hwnd) delete window;
+    return W(hwnd);
+  });
+  windows.SetFactory("PreviewStrip", [currentBar](const host::WindowCreation& c) -> port::Window {
+    bar::BarModel* bar = currentBar();
+    if (!bar) return nullptr;
+    auto* window = new PreviewStripWindow(*bar);
+    HWND hwnd = window->Make(ToRect(c.rect), H(c.parent), c.id, c.text, c.style);
+    if (!hwnd) delete window;
+    return W(hwnd);
+  });
+  windows.SetFactory("FloatFrame", [currentBar](const host::WindowCreation& c) -> port::Window {
+    bar::BarModel* bar = currentBar();
+    if (!bar) return nullptr;
+    auto* window = new FloatFrameWindow(*bar);
+    HWND hwnd = window->Make(c);
+    if (!hwnd) delete window;
+    return W(hwnd);
+  });
+  windows.SetFactory("TabStrip", [currentBar](const host::WindowCreation& c) -> port::Window {
+    INITCOMMONCONTROLSEX controls{sizeof controls, ICC_TAB_CLASSES};
+    InitCommonControlsEx(&controls);
+    const RECT r = ToRect(c.rect);
+    HWND tabs = CreateWindowExA(0, WC_TABCONTROLA, c.text,
+                                c.style | TCS_MULTILINE | TCS_RAGGEDRIGHT | TCS_HOTTRACK | TCS_OWNERDRAWFIXED, r.left,
+                                r.top, r.right - r.left, r.bottom - r.top, H(c.parent),
+                                reinterpret_cast<HMENU>(static_cast<INT_PTR>(c.id)), CurrentResourceInstance(),
+                                nullptr);
+    if (bar::BarModel* bar = currentBar(); bar && tabs) {
+      bar->tabRowCount = [tabs] { return static_cast<int>(SendMessageA(tabs, TCM_GETROWCOUNT, 0, 0)); };
+      bar->selectedTabThickness = [bar, tabs](const host::WindowRect* rect) -> long {
+        const int selected = static_cast<int>(SendMessageA(tabs, TCM_GETCURSEL, 0, 0));
+        // The rows depend on the width the control is about to get.
+        RECT before{};
+        GetWindowRect(tabs, &before);
+        MapWindowPoints(nullptr, GetParent(tabs), reinterpret_cast<POINT*>(&before), 2);
+        if (rect) Move(tabs, *rect, false);
+        const int rows = static_cast<int>(SendMessageA(tabs, TCM_GETROWCOUNT, 0, 0));
+        if (rect) MoveWindow(tabs, before.left, before.top, before.right - before.left, before.bottom - before.top,
+                             FALSE);
+        RECT item{};
+        if (selected < 0 || !SendMessageA(tabs, TCM_GETITEMRECT, selected, reinterpret_cast<LPARAM>(&item)))
+          return GetSystemMetrics(SM_CYCAPTION);
+        return bar::TabRowsThickness(bar->DockSide(), rows, FromRect(item));
+      };
+    }
+    return W(tabs);
+  });
+}
+
+}  // namespace tavlet::win32

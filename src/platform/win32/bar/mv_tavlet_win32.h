@@ -1,0 +1,68 @@
+// MvTavlet's windows on Win32: the bar itself, its floating frame, and the
+// factories that the window-system port calls when the portable bar creates
+// them. The windows apply what the bar's model and its docking arithmetic say.
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+
+#include "bar/bar_model.h"
+#include "bar/docking.h"
+#include "platform/win32/window.h"
+#include "platform/win32/window_system_win32.h"
+
+namespace tavlet::win32 {
+
+// Sent by the host to keep the focus off its command line while a bar is used.
+inline constexpr UINT kWmAcadKeepFocus = 0x7101;
+
+class MvTavletWindow final : public OwnedByWindow {
+ public:
+  explicit MvTavletWindow(bar::BarModel& bar) : bar_(bar) {}
+  HWND Make(const host::WindowCreation& creation);
+  bool Sizing() const { return grip_.Sizing(); }
+
+ protected:
+  LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+  void OnDestroy() override;
+  void OnSize(UINT type, int cx, int cy) override;
+  void OnPaint(HDC dc, const RECT& area) override;
+  bool OnEraseBackground(HDC) override { return true; }
+  bool OnSetCursor(HWND window, UINT hit, UINT mouseMessage) override;
+  void OnMouseMove(UINT flags, int x, int y) override;
+  void OnLButtonUp(UINT flags, int x, int y) override;
+  void OnLButtonDblClk(UINT flags, int x, int y) override;
+  void OnClose() override {}  // the bar cannot be closed by a message
+
+ private:
+  void ShowBox(const std::string& text);
+
+  bar::BarModel& bar_;
+  bar::GripSizing grip_;
+};
+
+// The popup that holds the bar while it floats: a captioned tool window owned
+// by the host's frame that the keyboard cannot close.
+class FloatFrameWindow final : public OwnedByWindow {
+ public:
+  explicit FloatFrameWindow(bar::BarModel& bar) : bar_(bar) {}
+  HWND Make(const host::WindowCreation& creation);
+
+ protected:
+  LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+  void OnDestroy() override;
+  void OnSize(UINT type, int cx, int cy) override;
+  void OnClose() override {}
+
+ private:
+  void FitBar();
+
+  bar::BarModel& bar_;
+};
+
+// Window kinds "MvTavlet", "PreviewStrip", "TabStrip" and "FloatFrame", made
+// for the bar that `currentBar` gives at the moment of creation.
+void RegisterBarWindows(Win32WindowSystem& windows, std::function<bar::BarModel*()> currentBar);
+
+}  // namespace tavlet::win32

@@ -1,0 +1,56 @@
+// PreviewStrip's window: applies the strip's layout (scroll bars, cells),
+// paints each cell where the layout puts it, and turns clicks, scrolls and
+// timers into the bar's actions.
+#pragma once
+
+#include <windows.h>
+
+#include "bar/bar_model.h"
+#include "bar/preview_layout.h"
+#include "platform/win32/handles.h"
+#include "platform/win32/window.h"
+
+namespace tavlet::win32 {
+
+// A registered message the strip answers for scripts and tests: wParam is an
+// entry's position, lParam a RECT* that receives its last painted cell in the
+// strip's client coordinates; the answer is 1 when there is such an entry.
+inline constexpr char kCellRectMessage[] = "Tavlet.PreviewStrip.CellRect";
+
+// The frames of a cell: the active drawing's, and every other's.
+inline constexpr COLORREF kActiveCellFrame = RGB(0, 84, 227);
+inline constexpr COLORREF kCellFrame = RGB(96, 96, 96);
+
+class PreviewStripWindow final : public OwnedByWindow {
+ public:
+  explicit PreviewStripWindow(bar::BarModel& bar);
+
+  HWND Make(const RECT& rect, HWND parent, int id, const char* text, DWORD style);
+  void Layout();
+  const bar::StripLayout& Geometry() const { return layout_; }
+
+ protected:
+  LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+  int OnCreate(CREATESTRUCTA& create) override;
+  void OnDestroy() override;
+  void OnSize(UINT type, int cx, int cy) override;
+  void OnPaint(HDC dc, const RECT& area) override;
+  bool OnEraseBackground(HDC) override { return true; }
+  void OnTimer(UINT_PTR id) override;
+  void OnLButtonDown(UINT flags, int x, int y) override;
+  void OnLButtonDblClk(UINT flags, int x, int y) override;
+  void OnScroll(bool vertical, int code, int position, HWND bar) override;
+
+ private:
+  void PaintCells(HDC dc);
+  void DrawCell(HDC dc, const bar::DocEntry& entry, const RECT& cell, bool active);
+
+  bar::BarModel& bar_;
+  bar::StripLayout layout_;
+  HWND verticalBar_ = nullptr;
+  HWND horizontalBar_ = nullptr;
+  GdiObject<HFONT> labelFont_;
+  UINT cellRectMessage_ = 0;
+};
+
+}  // namespace tavlet::win32
