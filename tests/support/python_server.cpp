@@ -62,7 +62,21 @@ std::string TestScript(const std::string& relative) {
 
 #ifdef _WIN32
 
+namespace {
+
+// Removes the folders handed out when the test program ends.
+struct MadeFolders {
+  std::vector<std::string> made;
+  ~MadeFolders() {
+    std::error_code error;
+    for (const std::string& folder : made) std::filesystem::remove_all(folder, error);
+  }
+};
+
+}  // namespace
+
 ServerFolder MakeServerFolder(const std::string& tag) {
+  static MadeFolders folders;
   static int counter = 0;
   const std::string unix = "/tmp/tavlet-wine-" + tag + "-" + std::to_string(GetCurrentProcessId()) + "-" +
                            std::to_string(counter++);
@@ -73,6 +87,7 @@ ServerFolder MakeServerFolder(const std::string& tag) {
   std::error_code error;
   std::filesystem::remove_all(local, error);
   std::filesystem::create_directories(local, error);
+  folders.made.push_back(local);
   return {local, unix};
 }
 
