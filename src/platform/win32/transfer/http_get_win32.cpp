@@ -109,7 +109,13 @@ void CALLBACK OnDeadlineReached(void* parameter, BOOLEAN) {
   *context->session = nullptr;
 }
 
-HttpResult Fetch(HttpGet::Shared& shared, const std::string& url, int timeout, std::size_t maxBody);
+void Report(HttpGet::Shared& shared, const HttpResult& result) {
+  std::lock_guard<std::mutex> guard(shared.lock);
+  if (!shared.cancelled && shared.done) shared.done(result);
+}
+
+// Runs the GET and reports it through the shared callback.
+void Fetch(HttpGet::Shared& shared, const std::string& url, int timeout, std::size_t maxBody);
 
 }  // namespace
 
@@ -128,11 +134,7 @@ bool HttpGet::Start(const std::string& url, int timeout, std::size_t maxBody, Ca
   ++liveWorkers;
   try {
     worker_ = std::thread([shared = shared_, url, timeout, maxBody] {
-      HttpResult result = Fetch(*shared, url, timeout, maxBody);
-      {
-        std::lock_guard<std::mutex> guard(shared->lock);
-        if (!shared->cancelled && shared->done) shared->done(result);
-      }
+      Fetch(*shared, url, timeout, maxBody);
       SetEvent(shared->finished);
       --liveWorkers;
     });
@@ -175,11 +177,11 @@ bool HttpGet::WaitForWorkers(DWORD milliseconds) {
 
 namespace {
 
-HttpResult Fetch(HttpGet::Shared& shared, const std::string& url, int timeout, std::size_t maxBody) {
+void Fetch(HttpGet::Shared& shared, const std::string& url, int timeout, std::size_t maxBody) {
   const WinInet& api = Api();
-  if (!api.ready) return Failure(HttpResult::Outcome::Failed, "wininet.dll cannot be loaded");
+  if (!api.ready) return Report(shared, Failure(HttpResult::Outcome::Failed, "wininet.dll cannot be loaded"));
   HINTERNET session = api.open("Tavlet update check", INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0);
-  if (session == nullptr) return FromError(GetLastError(), "InternetOpen");
+  if (session == nullptr) return Report(shared, FromError(GetLastError(), "InternetOpen"));
   DWORD limit = static_cast<DWORD>(timeout);
   for (DWORD option : {INTERNET_OPTION_CONNECT_TIMEOUT, INTERNET_OPTION_SEND_TIMEOUT, INTERNET_OPTION_RECEIVE_TIMEOUT}) {
     api.setOption(session, option, &limit, sizeof limit);
@@ -188,7 +190,7 @@ HttpResult Fetch(HttpGet::Shared& shared, const std::string& url, int timeout, s
     std::lock_guard<std::mutex> guard(shared.lock);
     if (shared.cancelled) {
       api.close(session);
-      return Failure(HttpResult::Outcome::Failed, "cancelled");
+      return;
     }
     shared.session = session;
   }
@@ -229,7 +231,9 @@ HttpResult Fetch(HttpGet::Shared& shared, const std::string& url, int timeout, s
            {INTERNET_OPTION_CONNECT_TIMEOUT, INTERNET_OPTION_SEND_TIMEOUT, INTERNET_OPTION_RECEIVE_TIMEOUT}) {
         api.setOption(request, option, &limit, sizeof limit);
       }
-      sent = api.sendRequest(request, nullptr, 0, nullptr, 0) != FALSE;
+      // One check, one connection: nothing is kept for reuse.
+      static const char kHeaders[] = "Connection: close\r\n";
+      sent = api.sendRequest(request, kHeaders, sizeof kHeaders - 1, nullptr, 0) != FALSE;
       if (!sent) result = FromError(GetLastError(), "HttpSendRequest");
     }
   }
@@ -253,7 +257,7 @@ HttpResult Fetch(HttpGet::Shared& shared, const std::string& url, int timeout, s
           break;
         }
         if (got == 0) break;
-        // Read no further than one byte past the limit: enough to know it is too large.
+        // The first block past the limit ends the read: the rest is never fetched.
         if (result.body.size() + got > maxBody) {
           result = Failure(HttpResult::Outcome::TooLarge, "the answer is larger than " + std::to_string(maxBody) +
                                                               " bytes");
@@ -263,15 +267,20 @@ HttpResult Fetch(HttpGet::Shared& shared, const std::string& url, int timeout, s
       }
     }
   }
+  if (timer != nullptr) DeleteTimerQueueTimer(nullptr, timer, INVALID_HANDLE_VALUE);
+  {
+    std::lock_guard<std::mutex> guard(shared.lock);
+    if (shared.timedOut && result.outcome != HttpResult::Outcome::Answered) {
+      result = Failure(HttpResult::Outcome::TimedOut, "no whole answer within " + std::to_string(timeout) + " ms");
+    }
+  }
+  Report(shared, result);
+  // Reported first: closing a request whose body was not read to its end can take
+  // a while, as WinINet may read the rest to keep the connection.
   if (request != nullptr) api.close(request);
   if (connection != nullptr) api.close(connection);
-  if (timer != nullptr) DeleteTimerQueueTimer(nullptr, timer, INVALID_HANDLE_VALUE);
   std::lock_guard<std::mutex> guard(shared.lock);
-  if (shared.timedOut && result.outcome != HttpResult::Outcome::Answered) {
-    result = Failure(HttpResult::Outcome::TimedOut, "no whole answer within " + std::to_string(timeout) + " ms");
-  }
   shared.CloseSession();
-  return result;
 }
 
 }  // namespace
