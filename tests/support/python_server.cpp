@@ -138,7 +138,8 @@ void PythonServer::Stop() {
 #else
 
 ServerFolder MakeServerFolder(const std::string& tag) {
-  const std::string folder = MakeTempFolder(tag);
+  // The process id keeps the folders of tests that CTest runs side by side apart.
+  const std::string folder = MakeTempFolder(tag + "-" + std::to_string(::getpid()));
   return {folder, folder};
 }
 
