@@ -10,7 +10,10 @@
 namespace tavlet {
 
 ProfileFile::ProfileFile(FileSystem& files, std::string path, bool removeEmptyValues)
-    : files_(files), path_(std::move(path)), pathSet_(true), removeEmptyValues_(removeEmptyValues) {}
+    : files_(files),
+      path_(profile::ProfilePath(path, files.WindowsFolder())),
+      pathSet_(true),
+      removeEmptyValues_(removeEmptyValues) {}
 
 ProfileFile::ProfileFile(FileSystem& files, std::istream& stream) : files_(files) {
   path_ = files_.CreateTempFile("MV_");
@@ -44,10 +47,20 @@ bool ProfileFile::Load(const profile::Document*& document) {
     cachedDocument_ = profile::Parse("");
     cacheValid_ = false;
     cacheReadsBack_ = true;
+    cacheUtf16_ = false;
+    cacheWritable_ = true;
     return error == FileError::NotFound;
   }
   if (!cacheValid_ || bytes != cachedBytes_) {
-    cachedDocument_ = profile::Parse(bytes);
+    cacheUtf16_ = profile::IsUtf16File(bytes);
+    cacheWritable_ = true;
+    if (cacheUtf16_) {
+      const profile::FileText file = profile::DecodeFile(bytes);
+      cachedDocument_ = profile::Parse(file.text);
+      cacheWritable_ = file.lossless;
+    } else {
+      cachedDocument_ = profile::Parse(bytes);
+    }
     cacheReadsBack_ = profile::ReadsBackAsWritten(cachedDocument_);
     cachedBytes_ = std::move(bytes);
     cacheValid_ = true;
@@ -59,22 +72,28 @@ template <typename Change>
 bool ProfileFile::Modify(Change&& change, bool readsBack) {
   const profile::Document* current = nullptr;
   if (!Load(current)) return false;
+  // A UTF-16 file holding characters that code page 936 lacks would lose them in
+  // the rewrite: it is left whole, and the write fails.
+  if (!cacheWritable_) return false;
   // The change is made on the cached document itself; a failed write takes it back
   // by parsing the bytes that are still on disk.
   if (!change(cachedDocument_)) return true;  // nothing changed: the file is left alone
-  std::string bytes = profile::Serialize(cachedDocument_);
+  std::string text = profile::Serialize(cachedDocument_);
+  std::string encoded = cacheUtf16_ ? profile::EncodeFile(text, true) : std::string();
+  const std::string& bytes = cacheUtf16_ ? encoded : text;
   if (files_.WriteFileAtomic(path_, bytes) != FileError::None) {
-    cachedDocument_ = profile::Parse(cacheValid_ ? std::string_view(cachedBytes_) : "");
+    cachedDocument_ = profile::Parse(
+        cacheValid_ ? std::string_view(profile::DecodeFile(cachedBytes_).text) : "");
     cacheReadsBack_ = profile::ReadsBackAsWritten(cachedDocument_);
     return false;
   }
   // The file is what counts, not the document that made it: a value's trailing blanks
   // or a nameless section read back differently.
   if (!cacheReadsBack_ || !readsBack) {
-    cachedDocument_ = profile::Parse(bytes);
+    cachedDocument_ = profile::Parse(text);
     cacheReadsBack_ = profile::ReadsBackAsWritten(cachedDocument_);
   }
-  cachedBytes_ = std::move(bytes);
+  cachedBytes_ = cacheUtf16_ ? std::move(encoded) : std::move(text);
   cacheValid_ = true;
   return true;
 }
@@ -105,6 +124,8 @@ bool ProfileFile::WriteString(std::string_view section, std::string_view key,
 
 bool ProfileFile::WriteStruct(std::string_view section, std::string_view key, const void* data,
                               std::uint32_t size) {
+  if (data == nullptr)
+    return Modify([&](profile::Document& d) { return profile::DeleteKey(d, section, key); }, true);
   return Modify(
       [&](profile::Document& d) { return profile::WriteStruct(d, section, key, data, size); });
 }

@@ -266,3 +266,177 @@ TEST(ProfileFileStream, CopiesTheStreamIntoAnOwnedTempFile) {
 
 }  // namespace
 }  // namespace tavlet
+
+namespace tavlet {
+namespace {
+
+std::string Utf16(const std::string& cp936) { return profile::EncodeFile(cp936, true); }
+
+// Keys of every section, as "[name]key,key" lines, to compare parses in one string.
+std::string Outline(const profile::Document& d) {
+  std::string out;
+  for (const profile::Section& s : d.sections) {
+    out += "[" + s.name + "]";
+    for (const profile::Entry& e : s.entries) out += e.name + (e.value ? "=" + *e.value : "") + ",";
+  }
+  return out;
+}
+
+// The platform reads by character and takes either CR or LF as a line end, wherever
+// it stands; a "]" that is the trail byte of a character ends no section name.
+TEST(ProfileEngine, LinesEndAtEitherBreakAndNamesAreReadByCharacter) {
+  const struct {
+    std::string file, outline;
+  } cases[] = {
+      {"[a]\r\nx=1\ry=2\r\n[b]\rz=3\n\r\nw=4", "[][a]x=1,y=2,[b]z=3,w=4,"},
+      {"[a]\n\rx=1\r\r\n\ny=2", "[][a]x=1,y=2,"},
+      {"[图\x81\x5D]\r\nk=v\r\n", "[][图\x81\x5D]k=v,"},
+      {"[\xAA\x5D] \r\n[a\xAA\x5D\xAA\x5D]\r\nk=v\r\n", "[][\xAA\x5D][a\xAA\x5D\xAA\x5D]k=v,"},
+      // No "]" of its own: the line is an entry, not a header.
+      {"[ab\x81\x5D\r\nk=v\r\n", "[][ab\x81\x5D,k=v,"},
+      // A lead byte takes the line end after it, and a blank; a NUL it doesn't take.
+      {"[a]\r\nk=v\x81\nx=1\r\ny=\x81 \r\n", "[][a]k=v\x81\nx=1,y=\x81 ,"},
+      {std::string("[a]\r\nk=v\x81\0\nx=1\r\n", 16), "[][a]k=v\x81,x=1,"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(Outline(profile::Parse(c.file)), c.outline) << c.file;
+
+  MemoryFileSystem files;
+  files.AddFile(kIni, "[a]\r\nx=1\ry=2\r\n[图\x81\x5D]\rz=3\n");
+  ProfileFile f(files, kIni);
+  EXPECT_EQ(f.GetString("a", "y", "D"), "2");
+  EXPECT_EQ(f.GetString("图\x81\x5D", "z", "D"), "3");
+  ASSERT_TRUE(f.WriteString("a", "y", "two"));
+  EXPECT_EQ(files.Contents(kIni), "[a]\r\nx=1\r\ny=two\r\n[图\x81\x5D]\r\nz=3\r\n");
+  // A name that ends in a lone lead byte would take the "]" written after it; the
+  // file read back is what counts.
+  ASSERT_TRUE(f.WriteString("x\x81", "k", "v"));
+  EXPECT_EQ(f.GetString("x\x81", "k", "D"), "D");
+}
+
+// A section list ends with one NUL after its last string's; a list that comes back two
+// short of the buffer counts as cut and has both. Past that nothing is written.
+TEST(ProfileEngine, SectionListsEndWhereThePlatformEndsThem) {
+  const profile::Document d = profile::Parse("[a]\nx=12345\ny=67\n[e]\n");
+  const struct {
+    const char* section;
+    std::uint32_t size;
+    const char* expected;
+    std::uint32_t ret;
+  } cases[] = {
+      {"a", 20, "x=12345|y=67||######", 13}, {"a", 16, "x=12345|y=67||##", 13},
+      {"a", 15, "x=12345|y=67|||", 13},      {"a", 14, "x=12345|y=67||", 12},
+      {"e", 6, "||####", 0},                 {"missing", 3, "||#", 0},
+  };
+  for (const auto& c : cases) {
+    char buffer[32];
+    std::memset(buffer, '#', sizeof buffer);
+    EXPECT_EQ(profile::GetSection(d, c.section, buffer, c.size), c.ret) << c.size;
+    EXPECT_EQ(Show(buffer, c.size), c.expected) << c.size;
+    EXPECT_EQ(buffer[c.size], '#') << c.size;
+  }
+}
+
+TEST(ProfileEngine, KeyListDefaultKeepsItsTrailingBlanks) {
+  const profile::Document d = profile::Parse("[e]\n[a]\nnoeq\n");
+  const struct {
+    const char* section;
+    const char* def;
+    const char* expected;
+    std::uint32_t ret;
+  } cases[] = {
+      {"missing", "dflt  ", "dflt  |#", 6}, {"e", " ", " |######", 1},
+      {"a", "中  ", "D6D0  |###", 4},        {"a", "\"q\"  ", "\"q\"  |##", 5},
+  };
+  for (const auto& c : cases) {
+    char buffer[8];
+    std::memset(buffer, '#', sizeof buffer);
+    EXPECT_EQ(profile::GetKeyList(d, c.section, c.def, buffer, 8), c.ret) << c.def;
+    EXPECT_EQ(Show(buffer, 8), c.expected) << c.def;
+  }
+}
+
+TEST(ProfileFileWrites, NullStructDeletesTheKey) {
+  MemoryFileSystem files;
+  files.AddFile(kIni, "[a]\nx=1\ns=01AB20CC\n");
+  ProfileFile f(files, kIni);
+  EXPECT_TRUE(f.WriteStruct("a", "s", nullptr, 3));
+  EXPECT_EQ(files.Contents(kIni), "[a]\r\nx=1\r\n");
+  EXPECT_TRUE(f.WriteStruct("new", "s", nullptr, 3));  // nothing to delete: nothing written
+  EXPECT_EQ(files.Contents(kIni), "[a]\r\nx=1\r\n");
+}
+
+TEST(ProfileFileUtf16, IsReadAsUtf16AndWrittenBackSo) {
+  MemoryFileSystem files;
+  files.AddFile(kIni, Utf16("[工作集]\r\n文件1=C:\\图纸\\表.dwg,0\r\n[b]\rk=v\r\n"));
+  ProfileFile f(files, kIni);
+  EXPECT_EQ(f.GetString("工作集", "文件1"), "C:\\图纸\\表.dwg,0");
+  std::vector<std::string> names;
+  f.GetSectionNames(names);
+  EXPECT_EQ(names, (std::vector<std::string>{"工作集", "b"}));
+  ASSERT_TRUE(f.WriteString("工作集", "文件2", "D:\\总图.dwg,1"));
+  EXPECT_EQ(files.Contents(kIni),
+            Utf16("[工作集]\r\n文件1=C:\\图纸\\表.dwg,0\r\n文件2=D:\\总图.dwg,1\r\n[b]\r\nk=v\r\n"));
+  EXPECT_EQ(files.Contents(kIni)->substr(0, 4), std::string("\xFF\xFE[\0", 4));
+
+  // A mark alone is an empty UTF-16 file, and stays UTF-16.
+  files.AddFile(kIni, "\xFF\xFE");
+  ASSERT_TRUE(f.WriteString("s", "k", "v"));
+  EXPECT_EQ(files.Contents(kIni), Utf16("[s]\r\nk=v\r\n"));
+}
+
+TEST(ProfileFileUtf16, CharactersOutsideTheCodePageAreNeverLost) {
+  // U+0E01 (Thai) and U+1F600 (a surrogate pair) have no code-page 936 form.
+  std::string file = "\xFF\xFE";
+  for (char16_t unit : std::u16string(u"[a]\r\nk=\u0E01\r\nx=\U0001F600\r\ny=1\r\n")) {
+    file += static_cast<char>(unit & 0xFF);
+    file += static_cast<char>(unit >> 8);
+  }
+  MemoryFileSystem files;
+  files.AddFile(kIni, file);
+  ProfileFile f(files, kIni);
+  EXPECT_EQ(f.GetString("a", "k"), "?");
+  EXPECT_EQ(f.GetInt("a", "y", 0), 1);
+  EXPECT_FALSE(f.WriteString("a", "y", "2"));
+  EXPECT_EQ(files.Contents(kIni), file);
+  // An odd last byte is not written back either.
+  files.AddFile(kIni, Utf16("[a]\r\ny=1\r\n") + "\x01");
+  EXPECT_EQ(f.GetInt("a", "y", 0), 1);
+  EXPECT_FALSE(f.WriteString("a", "y", "2"));
+}
+
+// The Windows folder is a parameter of the file system, so the rule holds natively.
+TEST(ProfileFilePaths, ABareNameIsInTheWindowsFolder) {
+  const struct {
+    const char *name, *folder, *path;
+  } cases[] = {
+      {"w.ini", "C:\\Win", "C:\\Win\\w.ini"},
+      {"w.ini", "C:\\", "C:\\w.ini"},
+      {"\x95\x5C.ini", "C:\\Win", "C:\\Win\\\x95\x5C.ini"},  // a trail byte 0x5C is no separator
+      {"w.ini", "C:\\\x95\x5C", "C:\\\x95\x5C\\w.ini"},
+      {".\\w.ini", "C:\\Win", ".\\w.ini"},
+      {"sub/w.ini", "C:\\Win", "sub/w.ini"},
+      {"C:w.ini", "C:\\Win", "C:w.ini"},
+      {"w.ini", "", "w.ini"},
+      {"", "C:\\Win", ""},
+  };
+  for (const auto& c : cases) EXPECT_EQ(profile::ProfilePath(c.name, c.folder), c.path) << c.name;
+
+  MemoryFileSystem files("C:\\Temp", "C:\\Win");
+  files.AddFolder("C:\\Win");
+  ProfileFile f(files, "w.ini");
+  EXPECT_EQ(f.Path(), "C:\\Win\\w.ini");
+  ASSERT_TRUE(f.WriteString("s", "k", "v"));
+  EXPECT_EQ(files.Contents("C:\\Win\\w.ini"), "[s]\r\nk=v\r\n");
+
+  const std::string folder = ::testing::TempDir() + "tavlet_windows_folder";
+  std::unique_ptr<FileSystem> native = MakeNativeFileSystem(folder);
+  ASSERT_EQ(native->CreateFolders(folder), FileError::None);
+  ASSERT_TRUE(ProfileFile(*native, "bare.ini").WriteString("s", "k", "v"));
+  std::string bytes;
+  EXPECT_EQ(native->ReadFile(folder + "/bare.ini", bytes), FileError::None);
+  EXPECT_EQ(bytes, "[s]\r\nk=v\r\n");
+  native->Remove(folder + "/bare.ini");
+}
+
+}  // namespace
+}  // namespace tavlet

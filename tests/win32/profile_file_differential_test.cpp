@@ -116,11 +116,21 @@ std::vector<std::string> KeysToAsk(const profile::Document& document, const std:
   return keys;
 }
 
-// Both buffers start zeroed: bytes one side leaves untouched and the other zeroes are
-// told apart by the engine's own tests, which fill the buffer first.
+// Bytes past the size a call is given; any write there is a fault of its own.
+constexpr std::uint32_t kGuard = 16;
+
+// Both buffers start as the same junk, high bytes and lead bytes among it, with guard
+// bytes past the end: a byte one side writes and the other leaves alone shows, and so
+// does a write past the end.
+std::vector<char> Junk(std::uint32_t size) {
+  std::vector<char> buffer(std::size_t{size} + kGuard);
+  for (std::size_t i = 0; i < buffer.size(); ++i) buffer[i] = static_cast<char>(0xA7 + i * 0x3B);
+  return buffer;
+}
+
 void CompareBuffers(const std::string& what, std::uint32_t size, const std::function<DWORD(char*, DWORD)>& platform,
                     const std::function<std::uint32_t(char*, std::uint32_t)>& ours, int& compared) {
-  std::vector<char> theirs(size, 0), mine(size, 0);
+  std::vector<char> theirs = Junk(size), mine = Junk(size);
   const DWORD theirReturn = platform(theirs.data(), size);
   EXPECT_EQ(ours(mine.data(), size), theirReturn) << what << " size " << size;
   EXPECT_TRUE(mine == theirs) << what << " size " << size << "\n ours:     " << Show(mine)
