@@ -1,11 +1,31 @@
 #include "settings/profile_engine.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "text/codepage.h"
 
 namespace tavlet::profile {
 namespace {
+
+constexpr bool IsTrailByte(unsigned char c) { return c >= 0x40 && c <= 0xFE && c != 0x7F; }
+
+// Makes `out` a copy of `bytes` with every lead byte that has no trail byte after it
+// turned into "?"; false (and `out` untouched) when there is none.
+bool FixLoneLeads(std::string_view bytes, std::string& out) {
+  bool fixed = false;
+  for (std::size_t pos = 0; pos < bytes.size(); ++pos) {
+    if (!text::IsLeadByte(static_cast<unsigned char>(bytes[pos]))) continue;
+    if (pos + 1 < bytes.size() && IsTrailByte(static_cast<unsigned char>(bytes[pos + 1]))) {
+      ++pos;
+      continue;
+    }
+    if (!fixed) out.assign(bytes);
+    fixed = true;
+    out[pos] = '?';
+  }
+  return fixed;
+}
 
 // The platform's blank: C white space and the old end-of-file mark, Ctrl-Z.
 bool IsBlank(unsigned char c) {
@@ -121,8 +141,10 @@ std::string_view TrimDefault(std::string_view def) {
 }
 
 // GetPrivateProfileSectionW and the key list of GetPrivateProfileStringW.
+// `cut` (when given) tells whether the list ran out of buffer: entries left over, or
+// the last one shortened.
 std::uint32_t SectionWide(const Document& document, std::string_view name, bool withValues,
-                          std::uint32_t* buffer, std::uint32_t size) {
+                          std::uint32_t* buffer, std::uint32_t size, bool* cut = nullptr) {
   const Section* section = nullptr;
   for (const Section& s : document.sections) {
     if (SameName(s.name, name)) {
@@ -135,17 +157,29 @@ std::uint32_t SectionWide(const Document& document, std::string_view name, bool 
     if (size > 1) buffer[1] = 0;
     return 0;
   }
+  auto listed = [withValues](const Entry& entry) {
+    if (entry.name.empty() && !entry.value) return false;
+    if (!entry.name.empty() && entry.name[0] == ';') return false;
+    return withValues || entry.value.has_value();
+  };
   std::uint32_t len = size;
   std::uint32_t pos = 0;
-  for (const Entry& entry : section->entries) {
-    if (len <= 2) break;
-    if (entry.name.empty() && !entry.value) continue;
-    if (!entry.name.empty() && entry.name[0] == ';') continue;
-    if (!withValues && !entry.value) continue;
+  bool stopped = false;
+  const std::vector<Entry>& entries = section->entries;
+  for (auto it = entries.begin(); it != entries.end(); ++it) {
+    const Entry& entry = *it;
+    if (len <= 2) {
+      stopped = std::any_of(it, entries.end(), listed);
+      break;
+    }
+    if (!listed(entry)) continue;
     std::uint32_t n = CopyN(buffer + pos, ToWide(entry.name), len - 1);
     len -= n + 1;
     pos += n + 1;
-    if (len < 2) break;
+    if (len < 2) {
+      stopped = true;
+      break;
+    }
     if (withValues && entry.value) {
       buffer[pos - 1] = '=';
       n = CopyN(buffer + pos, ToWide(*entry.value), len - 1);
@@ -154,6 +188,7 @@ std::uint32_t SectionWide(const Document& document, std::string_view name, bool 
     }
   }
   buffer[pos] = 0;
+  if (cut) *cut = stopped || len <= 1;
   if (len <= 1) {
     buffer[pos - 1] = 0;
     return size - 2;
@@ -161,7 +196,8 @@ std::uint32_t SectionWide(const Document& document, std::string_view name, bool 
   return size - len;
 }
 
-std::uint32_t NamesWide(const Document& document, std::uint32_t* buffer, std::uint32_t size) {
+std::uint32_t NamesWide(const Document& document, std::uint32_t* buffer, std::uint32_t size,
+                        bool& cut) {
   if (size == 0) return 0;
   if (size == 1) {
     buffer[0] = 0;
@@ -179,6 +215,7 @@ std::uint32_t NamesWide(const Document& document, std::uint32_t* buffer, std::ui
         buffer[pos++] = 0;
       }
       buffer[pos] = 0;
+      cut = true;
       return size - 2;
     }
     for (std::uint32_t c : name) buffer[pos++] = c;
@@ -243,8 +280,13 @@ Section& SectionForWrite(Document& document, std::string_view name) {
   return document.sections.back();
 }
 
-bool SetValue(Document& document, std::string_view section, std::string_view key,
-              std::string_view value, bool alwaysAdd) {
+bool SetValue(Document& document, std::string_view rawSection, std::string_view rawKey,
+              std::string_view rawValue, bool alwaysAdd) {
+  // The platform takes the three texts through UTF-16 as it takes the file.
+  std::string fixedSection, fixedKey, fixedValue;
+  const std::string_view section = FixLoneLeads(rawSection, fixedSection) ? fixedSection : rawSection;
+  const std::string_view key = FixLoneLeads(rawKey, fixedKey) ? fixedKey : rawKey;
+  std::string_view value = FixLoneLeads(rawValue, fixedValue) ? fixedValue : rawValue;
   Section& target = SectionForWrite(document, section);
   value = CutAtNul(TrimLeft(value));
   Entry* entry = nullptr;
@@ -268,10 +310,18 @@ bool SetValue(Document& document, std::string_view section, std::string_view key
 
 }  // namespace
 
-// The platform reads the file as characters: a lead byte takes the byte after it (any
-// but NUL), so a trail byte is never a line end, a "]" or a blank. Either of CR and LF
-// ends a line, wherever it stands.
-Document Parse(std::string_view bytes) {
+std::string ReadAsCharacters(std::string_view bytes) {
+  std::string out;
+  if (!FixLoneLeads(bytes, out)) out.assign(bytes);
+  return out;
+}
+
+// The platform reads the file as characters: a lead byte takes the trail byte after
+// it, so a trail byte is never a line end, a "]" or a blank. Either of CR and LF ends
+// a line, wherever it stands.
+Document Parse(std::string_view raw) {
+  std::string fixed;
+  const std::string_view bytes = FixLoneLeads(raw, fixed) ? std::string_view(fixed) : raw;
   Document document;
   document.sections.emplace_back();
   const std::size_t size = bytes.size();
@@ -473,28 +523,37 @@ std::uint32_t GetKeyList(const Document& document, std::string_view section, std
                          char* buffer, std::uint32_t size) {
   if (size == 0) return 0;
   Wide w(size + 1, 0);
-  std::uint32_t n = SectionWide(document, section, false, w.data(), size);
+  bool cut = false;
+  std::uint32_t n = SectionWide(document, section, false, w.data(), size, &cut);
   // Unlike a key's default, this one keeps its trailing blanks.
-  if (w[0] == 0) n = CopyEntry(w.data(), ToWide(CutAtNul(def)), size);
-  return NarrowString(w, n, buffer, size);
+  if (w[0] == 0) {
+    n = CopyEntry(w.data(), ToWide(CutAtNul(def)), size);
+    cut = false;
+  }
+  const std::uint32_t ret = NarrowString(w, n, buffer, size);
+  // Windows (since Server 2003) ends a cut list with two NULs in the buffer's last two
+  // bytes; Wine, and older Windows, leave the last byte alone.
+  if (cut) buffer[size - 1] = 0;
+  return ret;
 }
 
 std::uint32_t GetSection(const Document& document, std::string_view section, char* buffer,
                          std::uint32_t size) {
   if (size == 0) return 0;
   Wide w(size + 1, 0);
-  const std::uint32_t n = SectionWide(document, section, true, w.data(), size);
+  bool cut = false;
+  const std::uint32_t n = SectionWide(document, section, true, w.data(), size, &cut);
   if (n == 0) {
     buffer[0] = 0;
     if (size > 1) buffer[1] = 0;
     return 0;
   }
-  // The list and the NUL that ends it must fit; a list that came back two short of the
-  // buffer counts as cut, and then both final NULs must. Otherwise the bytes are cut at
-  // the buffer's end, whatever character that splits, and the last two become NULs.
-  const std::uint32_t ends = n == size - 2 ? 2 : 1;
+  // The list and the NUL that ends it (both final NULs when the list was cut) must fit
+  // with a byte to spare; otherwise the bytes are cut at the buffer's end, whatever
+  // character that splits, and the last two become NULs.
+  const std::uint32_t ends = cut ? 2 : 1;
   auto [written, whole] = Narrow(w.data(), n + ends, buffer, size);
-  if (whole) return written - ends;
+  if (whole && written < size) return written - ends;
   buffer[size - 2] = 0;
   buffer[size - 1] = 0;
   return size - 2;
@@ -503,15 +562,21 @@ std::uint32_t GetSection(const Document& document, std::string_view section, cha
 std::uint32_t GetSectionNames(const Document& document, char* buffer, std::uint32_t size) {
   if (size == 0) return 0;
   Wide w(size + 1, 0);
-  const std::uint32_t n = NamesWide(document, w.data(), size);
+  bool cut = false;
+  const std::uint32_t n = NamesWide(document, w.data(), size, cut);
+  std::uint32_t ret = 0;
   if (n == 0) {
     buffer[0] = 0;
-    return 0;
+  } else if (auto [written, whole] = Narrow(w.data(), n + 1, buffer, size - 1); whole) {
+    ret = written - 1;
+  } else {
+    ret = size - 2;
+    cut = true;
   }
-  auto [written, whole] = Narrow(w.data(), n + 1, buffer, size - 1);
-  if (whole) return written - 1;
-  buffer[size - 1] = 0;
-  return size - 2;
+  // Windows (since Server 2003) ends a cut list with a NUL in the buffer's last byte
+  // too; Wine, and older Windows, leave that byte alone.
+  if (cut) buffer[size - 1] = 0;
+  return ret;
 }
 
 unsigned GetInt(const Document& document, std::string_view section, std::string_view key,

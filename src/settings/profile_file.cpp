@@ -43,6 +43,7 @@ bool ProfileFile::Load(const profile::Document*& document) {
   }
   std::string bytes;
   const FileError error = files_.ReadFile(path_, bytes);
+  fileMissing_ = error == FileError::NotFound;
   if (error != FileError::None) {
     cachedDocument_ = profile::Parse("");
     cacheValid_ = false;
@@ -69,7 +70,7 @@ bool ProfileFile::Load(const profile::Document*& document) {
 }
 
 template <typename Change>
-bool ProfileFile::Modify(Change&& change, bool readsBack) {
+bool ProfileFile::Modify(Change&& change, bool readsBack, bool emptyFileWhenMissing) {
   const profile::Document* current = nullptr;
   if (!Load(current)) return false;
   // A UTF-16 file holding characters that code page 936 lacks would lose them in
@@ -77,7 +78,16 @@ bool ProfileFile::Modify(Change&& change, bool readsBack) {
   if (!cacheWritable_) return false;
   // The change is made on the cached document itself; a failed write takes it back
   // by parsing the bytes that are still on disk.
-  if (!change(cachedDocument_)) return true;  // nothing changed: the file is left alone
+  if (!change(cachedDocument_)) {
+    // Nothing changed: the file is left alone. But a deletion from a file that isn't
+    // there leaves it there, empty, as Windows does (Wine writes nothing).
+    if (!emptyFileWhenMissing || !fileMissing_) return true;
+    if (files_.WriteFileAtomic(path_, "") != FileError::None) return false;
+    fileMissing_ = false;
+    cachedBytes_.clear();
+    cacheValid_ = true;
+    return true;
+  }
   std::string text = profile::Serialize(cachedDocument_);
   std::string encoded = cacheUtf16_ ? profile::EncodeFile(text, true) : std::string();
   const std::string& bytes = cacheUtf16_ ? encoded : text;
@@ -117,7 +127,7 @@ bool ProfileFile::WriteDouble(std::string_view section, std::string_view key, do
 bool ProfileFile::WriteString(std::string_view section, std::string_view key,
                               std::string_view value) {
   if (value.empty() && removeEmptyValues_)
-    return Modify([&](profile::Document& d) { return profile::DeleteKey(d, section, key); }, true);
+    return Modify([&](profile::Document& d) { return profile::DeleteKey(d, section, key); }, true, true);
   return Modify([&](profile::Document& d) { return profile::WriteString(d, section, key, value); },
                 profile::WriteReadsBack(section, key, value));
 }
@@ -125,7 +135,7 @@ bool ProfileFile::WriteString(std::string_view section, std::string_view key,
 bool ProfileFile::WriteStruct(std::string_view section, std::string_view key, const void* data,
                               std::uint32_t size) {
   if (data == nullptr)
-    return Modify([&](profile::Document& d) { return profile::DeleteKey(d, section, key); }, true);
+    return Modify([&](profile::Document& d) { return profile::DeleteKey(d, section, key); }, true, true);
   return Modify(
       [&](profile::Document& d) { return profile::WriteStruct(d, section, key, data, size); });
 }
@@ -208,7 +218,7 @@ std::size_t ProfileFile::GetSectionNames(std::vector<std::string>& list) {
 }
 
 bool ProfileFile::DeleteSection(std::string_view section) {
-  return Modify([&](profile::Document& d) { return profile::DeleteSection(d, section); });
+  return Modify([&](profile::Document& d) { return profile::DeleteSection(d, section); }, true, true);
 }
 
 bool ProfileFile::ClearSection(std::string_view section) {

@@ -86,9 +86,11 @@ class ProfileFile {
   // write must not replace what it couldn't read).
   bool Load(const profile::Document*& document);
   // `readsBack`: the change keeps a document that reads back as written, so the
-  // document needn't be parsed again from the bytes written.
+  // document needn't be parsed again from the bytes written. `emptyFileWhenMissing`:
+  // the change is a deletion, which makes a missing file (empty) even when it has
+  // nothing to delete.
   template <typename Change>
-  bool Modify(Change&& change, bool readsBack = false);
+  bool Modify(Change&& change, bool readsBack = false, bool emptyFileWhenMissing = false);
 
   FileSystem& files_;
   std::string path_;
@@ -99,6 +101,7 @@ class ProfileFile {
   bool cacheReadsBack_ = false;  // cachedDocument_ serializes to bytes that parse back to it
   bool cacheUtf16_ = false;      // the file is UTF-16LE with its mark, and is written back so
   bool cacheWritable_ = true;    // a rewrite keeps every character of the file
+  bool fileMissing_ = false;     // the last read found no file
   std::string cachedBytes_;
   profile::Document cachedDocument_;
 };

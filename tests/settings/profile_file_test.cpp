@@ -25,9 +25,8 @@ std::string Show(const char* buffer, std::uint32_t size) {
   return out;
 }
 
-// Cuts at small buffers, byte for byte as the platform leaves them ('#' = untouched;
-// the Wine differential test zero-fills its buffers, so only here are untouched
-// bytes told apart from written NULs).
+// Cuts at small buffers, byte for byte as the platform leaves them ('#' = untouched).
+// A cut list of names or keys ends with a NUL in the last byte, as on Windows.
 TEST(ProfileEngine, TruncationAtTheBufferFollowsThePlatform) {
   const char* ascii = "[a]\nx=12345\ny=67\n[bb]\n[ccc]\n";
   const char* cp936 = "[中]\n文=中文\nk=v\n[文文]\n";
@@ -42,13 +41,13 @@ TEST(ProfileEngine, TruncationAtTheBufferFollowsThePlatform) {
       {"sec", ascii, 1, "|", 0},        {"sec", ascii, 2, "||", 0},
       {"sec", ascii, 3, "x||", 1},      {"sec", ascii, 5, "x=1||", 3},
       {"sec", ascii, 8, "x=1234||", 6}, {"sec", ascii, 9, "x=12345||", 7},
-      {"names", ascii, 2, "|#", 0},     {"names", ascii, 3, "a|#", 1},
-      {"names", ascii, 4, "a||#", 2},   {"names", ascii, 5, "a|b|#", 3},
-      {"names", ascii, 8, "a|bb|c|#", 6},
+      {"names", ascii, 2, "||", 0},     {"names", ascii, 3, "a||", 1},
+      {"names", ascii, 4, "a|||", 2},   {"names", ascii, 5, "a|b||", 3},
+      {"names", ascii, 8, "a|bb|c||", 6},
       {"str", ascii, 1, "|", 0},        {"str", ascii, 4, "123|", 3},
       {"str", ascii, 7, "12345|#", 5},
-      {"keys", ascii, 2, "D|", 1},      {"keys", ascii, 3, "x|#", 1},
-      {"keys", ascii, 4, "x||#", 2},    {"keys", ascii, 5, "x|y|#", 3},
+      {"keys", ascii, 2, "D|", 1},      {"keys", ascii, 3, "x||", 1},
+      {"keys", ascii, 4, "x|||", 2},    {"keys", ascii, 5, "x|y||", 3},
       {"csec", cp936, 3, "CE||", 1},    {"csec", cp936, 4, "CEC4||", 2},
       {"csec", cp936, 9, "CEC4=D6D0CEC4||", 7},
       {"csec", cp936, 10, "CEC4=D6D0CEC4|||", 8},
@@ -138,8 +137,12 @@ TEST(ProfileFileReads, WhatWasWrittenReadsBackAsTheFileHasIt) {
   files.AddFolder("C:\\Data");
   ProfileFile f(files, kIni, true);
   EXPECT_EQ(f.GetString("s", "k", "D"), "D");
-  EXPECT_TRUE(f.WriteString("s", "k", ""));  // removing from nothing writes nothing
-  EXPECT_FALSE(files.Stat(kIni).exists);
+  EXPECT_TRUE(f.WriteString("s", "k", ""));  // removing from no file leaves an empty one
+  EXPECT_EQ(files.Contents(kIni), "");
+  files.FailOn(MemoryFileSystem::Op::WriteFileAtomic);
+  EXPECT_TRUE(f.WriteString("s", "k", ""));  // removing from an empty file writes nothing
+  files.ClearFailures();
+  files.Remove(kIni);
   ASSERT_TRUE(f.WriteString("s", "k", "v  "));  // the first write creates the file
   ASSERT_TRUE(f.WriteString("s", "[odd", "x"));
   ASSERT_TRUE(f.WriteString("s", "two\r\nlines", "y"));
@@ -294,9 +297,9 @@ TEST(ProfileEngine, LinesEndAtEitherBreakAndNamesAreReadByCharacter) {
       {"[\xAA\x5D] \r\n[a\xAA\x5D\xAA\x5D]\r\nk=v\r\n", "[][\xAA\x5D][a\xAA\x5D\xAA\x5D]k=v,"},
       // No "]" of its own: the line is an entry, not a header.
       {"[ab\x81\x5D\r\nk=v\r\n", "[][ab\x81\x5D,k=v,"},
-      // A lead byte takes the line end after it, and a blank; a NUL it doesn't take.
-      {"[a]\r\nk=v\x81\nx=1\r\ny=\x81 \r\n", "[][a]k=v\x81\nx=1,y=\x81 ,"},
-      {std::string("[a]\r\nk=v\x81\0\nx=1\r\n", 16), "[][a]k=v\x81,x=1,"},
+      // A lead byte without a trail byte after it is read as "?".
+      {"[a]\r\nk=v\x81\nx=1\r\ny=\x81 \r\n\x81", "[][a]k=v?,x=1,y=?,?,"},
+      {std::string("[a]\r\nk=v\x81\0\nx=1\r\n", 16), "[][a]k=v?,x=1,"},
   };
   for (const auto& c : cases) EXPECT_EQ(Outline(profile::Parse(c.file)), c.outline) << c.file;
 
@@ -307,16 +310,16 @@ TEST(ProfileEngine, LinesEndAtEitherBreakAndNamesAreReadByCharacter) {
   EXPECT_EQ(f.GetString("图\x81\x5D", "z", "D"), "3");
   ASSERT_TRUE(f.WriteString("a", "y", "two"));
   EXPECT_EQ(files.Contents(kIni), "[a]\r\nx=1\r\ny=two\r\n[图\x81\x5D]\r\nz=3\r\n");
-  // A name that ends in a lone lead byte would take the "]" written after it; the
-  // file read back is what counts.
-  ASSERT_TRUE(f.WriteString("x\x81", "k", "v"));
-  EXPECT_EQ(f.GetString("x\x81", "k", "D"), "D");
+  // What is written goes through the same reading: a lone lead byte is "?".
+  ASSERT_TRUE(f.WriteString("x\x81", "k\x81", "v\x81"));
+  EXPECT_EQ(f.GetString("x?", "k?", "D"), "v?");
+  EXPECT_EQ(files.Contents(kIni)->substr(files.Contents(kIni)->find("[x")), "[x?]\r\nk?=v?\r\n");
 }
 
-// A section list ends with one NUL after its last string's; a list that comes back two
-// short of the buffer counts as cut and has both. Past that nothing is written.
+// A section list ends with one NUL after its last string's; a list cut at the buffer
+// has both, and so has one that fills the buffer. Past that nothing is written.
 TEST(ProfileEngine, SectionListsEndWhereThePlatformEndsThem) {
-  const profile::Document d = profile::Parse("[a]\nx=12345\ny=67\n[e]\n");
+  const profile::Document d = profile::Parse("[a]\nx=12345\ny=67\n;c=1\n[e]\n[b]\nnoeq\nx=1\n");
   const struct {
     const char* section;
     std::uint32_t size;
@@ -324,7 +327,8 @@ TEST(ProfileEngine, SectionListsEndWhereThePlatformEndsThem) {
     std::uint32_t ret;
   } cases[] = {
       {"a", 20, "x=12345|y=67||######", 13}, {"a", 16, "x=12345|y=67||##", 13},
-      {"a", 15, "x=12345|y=67|||", 13},      {"a", 14, "x=12345|y=67||", 12},
+      {"a", 15, "x=12345|y=67||#", 13},      {"a", 14, "x=12345|y=67||", 12},
+      {"b", 7, "noeq|||", 5},                {"b", 12, "noeq|x=1||##", 9},
       {"e", 6, "||####", 0},                 {"missing", 3, "||#", 0},
   };
   for (const auto& c : cases) {
@@ -363,6 +367,14 @@ TEST(ProfileFileWrites, NullStructDeletesTheKey) {
   EXPECT_EQ(files.Contents(kIni), "[a]\r\nx=1\r\n");
   EXPECT_TRUE(f.WriteStruct("new", "s", nullptr, 3));  // nothing to delete: nothing written
   EXPECT_EQ(files.Contents(kIni), "[a]\r\nx=1\r\n");
+  // A deletion from a file that isn't there leaves an empty file, as on Windows.
+  files.Remove(kIni);
+  EXPECT_TRUE(f.WriteStruct("a", "s", nullptr, 3));
+  EXPECT_EQ(files.Contents(kIni), "");
+  files.Remove(kIni);
+  EXPECT_TRUE(f.DeleteSection("a"));
+  EXPECT_EQ(files.Contents(kIni), "");
+  EXPECT_FALSE(ProfileFile(files, "C:\\Nowhere\\x.ini").DeleteSection("a"));
 }
 
 TEST(ProfileFileUtf16, IsReadAsUtf16AndWrittenBackSo) {
