@@ -1,11 +1,31 @@
 #include "settings/profile_engine.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "text/codepage.h"
 
 namespace tavlet::profile {
 namespace {
+
+constexpr bool IsTrailByte(unsigned char c) { return c >= 0x40 && c <= 0xFE && c != 0x7F; }
+
+// Makes `out` a copy of `bytes` with every lead byte that has no trail byte after it
+// turned into "?"; false (and `out` untouched) when there is none.
+bool FixLoneLeads(std::string_view bytes, std::string& out) {
+  bool fixed = false;
+  for (std::size_t pos = 0; pos < bytes.size(); ++pos) {
+    if (!text::IsLeadByte(static_cast<unsigned char>(bytes[pos]))) continue;
+    if (pos + 1 < bytes.size() && IsTrailByte(static_cast<unsigned char>(bytes[pos + 1]))) {
+      ++pos;
+      continue;
+    }
+    if (!fixed) out.assign(bytes);
+    fixed = true;
+    out[pos] = '?';
+  }
+  return fixed;
+}
 
 // The platform's blank: C white space and the old end-of-file mark, Ctrl-Z.
 bool IsBlank(unsigned char c) {
@@ -23,6 +43,17 @@ std::string_view TrimRight(std::string_view s) {
 }
 
 std::string_view Trim(std::string_view s) { return TrimRight(TrimLeft(s)); }
+
+// TrimRight by character: a blank byte that a lead byte takes is no blank.
+std::string_view TrimCharsRight(std::string_view s) {
+  std::size_t end = 0;
+  for (std::size_t pos = 0; pos < s.size();) {
+    const std::size_t length = text::CharLength(s, pos);
+    pos += length;
+    if (length == 2 || !IsBlank(static_cast<unsigned char>(s[pos - 1]))) end = pos;
+  }
+  return s.substr(0, end);
+}
 
 // Names and values are C strings on the platform: a NUL ends them.
 std::string_view CutAtNul(std::string_view s) { return s.substr(0, s.find('\0')); }
@@ -110,8 +141,10 @@ std::string_view TrimDefault(std::string_view def) {
 }
 
 // GetPrivateProfileSectionW and the key list of GetPrivateProfileStringW.
+// `cut` (when given) tells whether the list ran out of buffer: entries left over, or
+// the last one shortened.
 std::uint32_t SectionWide(const Document& document, std::string_view name, bool withValues,
-                          std::uint32_t* buffer, std::uint32_t size) {
+                          std::uint32_t* buffer, std::uint32_t size, bool* cut = nullptr) {
   const Section* section = nullptr;
   for (const Section& s : document.sections) {
     if (SameName(s.name, name)) {
@@ -124,17 +157,29 @@ std::uint32_t SectionWide(const Document& document, std::string_view name, bool 
     if (size > 1) buffer[1] = 0;
     return 0;
   }
+  auto listed = [withValues](const Entry& entry) {
+    if (entry.name.empty() && !entry.value) return false;
+    if (!entry.name.empty() && entry.name[0] == ';') return false;
+    return withValues || entry.value.has_value();
+  };
   std::uint32_t len = size;
   std::uint32_t pos = 0;
-  for (const Entry& entry : section->entries) {
-    if (len <= 2) break;
-    if (entry.name.empty() && !entry.value) continue;
-    if (!entry.name.empty() && entry.name[0] == ';') continue;
-    if (!withValues && !entry.value) continue;
+  bool stopped = false;
+  const std::vector<Entry>& entries = section->entries;
+  for (auto it = entries.begin(); it != entries.end(); ++it) {
+    const Entry& entry = *it;
+    if (len <= 2) {
+      stopped = std::any_of(it, entries.end(), listed);
+      break;
+    }
+    if (!listed(entry)) continue;
     std::uint32_t n = CopyN(buffer + pos, ToWide(entry.name), len - 1);
     len -= n + 1;
     pos += n + 1;
-    if (len < 2) break;
+    if (len < 2) {
+      stopped = true;
+      break;
+    }
     if (withValues && entry.value) {
       buffer[pos - 1] = '=';
       n = CopyN(buffer + pos, ToWide(*entry.value), len - 1);
@@ -143,6 +188,7 @@ std::uint32_t SectionWide(const Document& document, std::string_view name, bool 
     }
   }
   buffer[pos] = 0;
+  if (cut) *cut = stopped || len <= 1;
   if (len <= 1) {
     buffer[pos - 1] = 0;
     return size - 2;
@@ -150,7 +196,8 @@ std::uint32_t SectionWide(const Document& document, std::string_view name, bool 
   return size - len;
 }
 
-std::uint32_t NamesWide(const Document& document, std::uint32_t* buffer, std::uint32_t size) {
+std::uint32_t NamesWide(const Document& document, std::uint32_t* buffer, std::uint32_t size,
+                        bool& cut) {
   if (size == 0) return 0;
   if (size == 1) {
     buffer[0] = 0;
@@ -168,6 +215,7 @@ std::uint32_t NamesWide(const Document& document, std::uint32_t* buffer, std::ui
         buffer[pos++] = 0;
       }
       buffer[pos] = 0;
+      cut = true;
       return size - 2;
     }
     for (std::uint32_t c : name) buffer[pos++] = c;
@@ -232,8 +280,13 @@ Section& SectionForWrite(Document& document, std::string_view name) {
   return document.sections.back();
 }
 
-bool SetValue(Document& document, std::string_view section, std::string_view key,
-              std::string_view value, bool alwaysAdd) {
+bool SetValue(Document& document, std::string_view rawSection, std::string_view rawKey,
+              std::string_view rawValue, bool alwaysAdd) {
+  // The platform takes the three texts through UTF-16 as it takes the file.
+  std::string fixedSection, fixedKey, fixedValue;
+  const std::string_view section = FixLoneLeads(rawSection, fixedSection) ? fixedSection : rawSection;
+  const std::string_view key = FixLoneLeads(rawKey, fixedKey) ? fixedKey : rawKey;
+  std::string_view value = FixLoneLeads(rawValue, fixedValue) ? fixedValue : rawValue;
   Section& target = SectionForWrite(document, section);
   value = CutAtNul(TrimLeft(value));
   Entry* entry = nullptr;
@@ -257,36 +310,168 @@ bool SetValue(Document& document, std::string_view section, std::string_view key
 
 }  // namespace
 
-Document Parse(std::string_view bytes) {
+std::string ReadAsCharacters(std::string_view bytes) {
+  std::string out;
+  if (!FixLoneLeads(bytes, out)) out.assign(bytes);
+  return out;
+}
+
+// The platform reads the file as characters: a lead byte takes the trail byte after
+// it, so a trail byte is never a line end, a "]" or a blank. Either of CR and LF ends
+// a line, wherever it stands.
+Document Parse(std::string_view raw) {
+  std::string fixed;
+  const std::string_view bytes = FixLoneLeads(raw, fixed) ? std::string_view(fixed) : raw;
   Document document;
   document.sections.emplace_back();
-  std::size_t next = 0;
-  while (next < bytes.size()) {
-    const std::size_t start = next;
-    std::size_t end = bytes.find('\n', start);
-    if (end == std::string_view::npos) end = bytes.find('\r', start);
-    next = end == std::string_view::npos ? bytes.size() : end + 1;
-    const std::string_view line = Trim(bytes.substr(start, next - start));
-    if (line.empty()) continue;
-    if (line[0] == '[') {
-      const std::size_t close = line.rfind(']');
-      if (close != std::string_view::npos && close > 0) {
-        document.sections.push_back(
-            Section{std::string(CutAtNul(Trim(line.substr(1, close - 1)))), {}});
+  const std::size_t size = bytes.size();
+  std::size_t pos = 0;
+  while (pos < size) {
+    // Line ends are blanks too, so this passes blank lines and leading blanks at once.
+    while (pos < size && IsBlank(static_cast<unsigned char>(bytes[pos]))) ++pos;
+    if (pos >= size) break;
+    const std::size_t start = pos;
+    std::size_t end = start;  // after the last character that is no blank
+    std::size_t equals = std::string_view::npos;
+    std::size_t nameEnd = start;
+    std::size_t close = std::string_view::npos;
+    while (pos < size) {
+      const auto c = static_cast<unsigned char>(bytes[pos]);
+      if (c == '\n' || c == '\r') break;
+      if (text::IsLeadByte(c) && pos + 1 < size && bytes[pos + 1] != '\0') {
+        pos += 2;
+        end = pos;
         continue;
       }
+      if (c == '=' && equals == std::string_view::npos) {
+        equals = pos;
+        nameEnd = end;
+      } else if (c == ']') {
+        close = pos;
+      }
+      ++pos;
+      if (!IsBlank(c)) end = pos;
+    }
+    const std::string_view line = bytes.substr(start, end - start);
+    if (line[0] == '[' && close != std::string_view::npos && close > start) {
+      document.sections.push_back(
+          Section{std::string(CutAtNul(TrimCharsRight(TrimLeft(line.substr(1, close - start - 1))))), {}});
+      continue;
     }
     Entry entry;
-    const std::size_t equals = line.find('=');
     if (equals == std::string_view::npos) {
       entry.name = std::string(CutAtNul(line));
     } else {
-      entry.name = std::string(CutAtNul(TrimRight(line.substr(0, equals))));
-      entry.value = std::string(CutAtNul(TrimLeft(line.substr(equals + 1))));
+      entry.name = std::string(CutAtNul(bytes.substr(start, nameEnd - start)));
+      entry.value = std::string(CutAtNul(TrimLeft(bytes.substr(equals + 1, end - equals - 1))));
     }
     document.sections.back().entries.push_back(std::move(entry));
   }
   return document;
+}
+
+namespace {
+
+void AppendUtf8(std::string& out, char32_t u) {
+  if (u < 0x80) {
+    out += static_cast<char>(u);
+  } else if (u < 0x800) {
+    out += static_cast<char>(0xC0 | (u >> 6));
+    out += static_cast<char>(0x80 | (u & 0x3F));
+  } else if (u < 0x10000) {
+    out += static_cast<char>(0xE0 | (u >> 12));
+    out += static_cast<char>(0x80 | ((u >> 6) & 0x3F));
+    out += static_cast<char>(0x80 | (u & 0x3F));
+  } else {
+    out += static_cast<char>(0xF0 | (u >> 18));
+    out += static_cast<char>(0x80 | ((u >> 12) & 0x3F));
+    out += static_cast<char>(0x80 | ((u >> 6) & 0x3F));
+    out += static_cast<char>(0x80 | (u & 0x3F));
+  }
+}
+
+void AppendUtf16(std::string& out, char32_t u) {
+  auto unit = [&out](char32_t v) {
+    out += static_cast<char>(v & 0xFF);
+    out += static_cast<char>(v >> 8);
+  };
+  if (u < 0x10000) {
+    unit(u);
+  } else {
+    unit(0xD800 + ((u - 0x10000) >> 10));
+    unit(0xDC00 + ((u - 0x10000) & 0x3FF));
+  }
+}
+
+}  // namespace
+
+bool IsUtf16File(std::string_view bytes) {
+  return bytes.size() >= 2 && bytes[0] == '\xFF' && bytes[1] == '\xFE';
+}
+
+FileText DecodeFile(std::string_view bytes) {
+  FileText file;
+  if (!IsUtf16File(bytes)) {
+    file.text = std::string(bytes);
+    return file;
+  }
+  file.utf16 = true;
+  auto unitAt = [&bytes](std::size_t i) {
+    return static_cast<char32_t>(static_cast<unsigned char>(bytes[i]) |
+                                 (static_cast<unsigned char>(bytes[i + 1]) << 8));
+  };
+  std::string utf8;
+  utf8.reserve(bytes.size());
+  for (std::size_t i = 2; i + 1 < bytes.size(); i += 2) {
+    char32_t u = unitAt(i);
+    if (u >= 0xD800 && u <= 0xDBFF && i + 3 < bytes.size() && unitAt(i + 2) >= 0xDC00 &&
+        unitAt(i + 2) <= 0xDFFF) {
+      u = 0x10000 + ((u - 0xD800) << 10) + (unitAt(i + 2) - 0xDC00);
+      i += 2;
+    } else if (u >= 0xD800 && u <= 0xDFFF) {
+      u = 0xFFFD;
+    }
+    AppendUtf8(utf8, u);
+  }
+  file.text = text::FromUtf8(utf8);
+  file.lossless = EncodeFile(file.text, true) == bytes;
+  return file;
+}
+
+std::string EncodeFile(std::string_view cp936, bool utf16) {
+  if (!utf16) return std::string(cp936);
+  // ToUtf8 writes well-formed UTF-8 only, so the decoding below needs no checks.
+  const std::string utf8 = text::ToUtf8(cp936);
+  std::string out = "\xFF\xFE";
+  out.reserve(2 + cp936.size() * 2);
+  for (std::size_t i = 0; i < utf8.size();) {
+    const auto c = static_cast<unsigned char>(utf8[i]);
+    const int extra = c < 0x80 ? 0 : c < 0xE0 ? 1 : c < 0xF0 ? 2 : 3;
+    char32_t u = extra == 0 ? c : c & (0x3F >> extra);
+    for (int k = 1; k <= extra && i + k < utf8.size(); ++k)
+      u = (u << 6) | (static_cast<unsigned char>(utf8[i + k]) & 0x3F);
+    i += static_cast<std::size_t>(extra) + 1;
+    AppendUtf16(out, u);
+  }
+  return out;
+}
+
+std::string ProfilePath(std::string_view name, std::string_view windowsFolder) {
+  if (name.empty() || windowsFolder.empty()) return std::string(name);
+  const std::size_t first = text::CharLength(name, 0);
+  if (first < name.size() && name[first] == ':') return std::string(name);  // "C:name"
+  for (std::size_t pos = 0; pos < name.size(); pos += text::CharLength(name, pos)) {
+    if (text::CharLength(name, pos) == 1 && (name[pos] == '\\' || name[pos] == '/'))
+      return std::string(name);
+  }
+  std::string path(windowsFolder);
+  // By character: a folder that ends in a trail byte 0x5C still needs its separator.
+  bool separatorLast = false;
+  for (std::size_t pos = 0; pos < path.size(); pos += text::CharLength(path, pos))
+    separatorLast = text::CharLength(path, pos) == 1 && (path[pos] == '\\' || path[pos] == '/');
+  if (!separatorLast) path += '\\';
+  path += name;
+  return path;
 }
 
 std::string Serialize(const Document& document) {
@@ -338,25 +523,37 @@ std::uint32_t GetKeyList(const Document& document, std::string_view section, std
                          char* buffer, std::uint32_t size) {
   if (size == 0) return 0;
   Wide w(size + 1, 0);
-  std::uint32_t n = SectionWide(document, section, false, w.data(), size);
-  if (w[0] == 0) n = CopyEntry(w.data(), ToWide(CutAtNul(TrimDefault(def))), size);
-  return NarrowString(w, n, buffer, size);
+  bool cut = false;
+  std::uint32_t n = SectionWide(document, section, false, w.data(), size, &cut);
+  // Unlike a key's default, this one keeps its trailing blanks.
+  if (w[0] == 0) {
+    n = CopyEntry(w.data(), ToWide(CutAtNul(def)), size);
+    cut = false;
+  }
+  const std::uint32_t ret = NarrowString(w, n, buffer, size);
+  // Windows (since Server 2003) ends a cut list with two NULs in the buffer's last two
+  // bytes; Wine, and older Windows, leave the last byte alone.
+  if (cut) buffer[size - 1] = 0;
+  return ret;
 }
 
 std::uint32_t GetSection(const Document& document, std::string_view section, char* buffer,
                          std::uint32_t size) {
   if (size == 0) return 0;
   Wide w(size + 1, 0);
-  const std::uint32_t n = SectionWide(document, section, true, w.data(), size);
+  bool cut = false;
+  const std::uint32_t n = SectionWide(document, section, true, w.data(), size, &cut);
   if (n == 0) {
     buffer[0] = 0;
     if (size > 1) buffer[1] = 0;
     return 0;
   }
-  // The whole list with both final NULs must fit; otherwise the bytes are cut at the
-  // buffer's end, whatever character that splits, and the last two become NULs.
-  auto [written, whole] = Narrow(w.data(), n + 2, buffer, size);
-  if (whole) return written - 2;
+  // The list and the NUL that ends it (both final NULs when the list was cut) must fit
+  // with a byte to spare; otherwise the bytes are cut at the buffer's end, whatever
+  // character that splits, and the last two become NULs.
+  const std::uint32_t ends = cut ? 2 : 1;
+  auto [written, whole] = Narrow(w.data(), n + ends, buffer, size);
+  if (whole && written < size) return written - ends;
   buffer[size - 2] = 0;
   buffer[size - 1] = 0;
   return size - 2;
@@ -365,15 +562,21 @@ std::uint32_t GetSection(const Document& document, std::string_view section, cha
 std::uint32_t GetSectionNames(const Document& document, char* buffer, std::uint32_t size) {
   if (size == 0) return 0;
   Wide w(size + 1, 0);
-  const std::uint32_t n = NamesWide(document, w.data(), size);
+  bool cut = false;
+  const std::uint32_t n = NamesWide(document, w.data(), size, cut);
+  std::uint32_t ret = 0;
   if (n == 0) {
     buffer[0] = 0;
-    return 0;
+  } else if (auto [written, whole] = Narrow(w.data(), n + 1, buffer, size - 1); whole) {
+    ret = written - 1;
+  } else {
+    ret = size - 2;
+    cut = true;
   }
-  auto [written, whole] = Narrow(w.data(), n + 1, buffer, size - 1);
-  if (whole) return written - 1;
-  buffer[size - 1] = 0;
-  return size - 2;
+  // Windows (since Server 2003) ends a cut list with a NUL in the buffer's last byte
+  // too; Wine, and older Windows, leave that byte alone.
+  if (cut) buffer[size - 1] = 0;
+  return ret;
 }
 
 unsigned GetInt(const Document& document, std::string_view section, std::string_view key,
@@ -489,16 +692,24 @@ std::string StructText(const void* data, std::uint32_t size) {
 
 bool WriteStruct(Document& document, std::string_view section, std::string_view key,
                  const void* data, std::uint32_t size) {
+  if (data == nullptr) return DeleteKey(document, section, key);
   return WriteString(document, section, key, StructText(data, size));
 }
 
 namespace {
 
-bool CleanText(std::string_view text) {
-  for (char c : text)
+// A lone lead byte at the end would take the line end, "=" or "]" that follows it.
+bool CleanText(std::string_view s) {
+  for (char c : s)
     if (c == '\r' || c == '\n') return false;
-  return text.empty() || (!IsBlank(static_cast<unsigned char>(text.front())) &&
-                          !IsBlank(static_cast<unsigned char>(text.back())));
+  if (s.empty()) return true;
+  if (text::IsLeadByte(static_cast<unsigned char>(s.back()))) {
+    std::size_t pos = 0;
+    while (pos + 1 < s.size()) pos += text::CharLength(s, pos);
+    if (pos + 1 == s.size()) return false;
+  }
+  return !IsBlank(static_cast<unsigned char>(s.front())) &&
+         !IsBlank(static_cast<unsigned char>(s.back()));
 }
 
 bool CleanName(std::string_view name) {
