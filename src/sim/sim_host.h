@@ -265,6 +265,7 @@ class SimHost final : public port::HostSession,
   port::Result TAVLET_PORT_CALL OpenViewTable(port::Database db, port::ViewTable** table) override;
   port::Result TAVLET_PORT_CALL OpenBlockRecord(port::ObjectId id, port::BlockRecord** record) override;
   port::Result TAVLET_PORT_CALL OpenViewRecord(port::ObjectId id, port::ViewRecord** record) override;
+  port::Result TAVLET_PORT_CALL HasLayerStateManager(port::Database db, bool* exists) override;
   port::Result TAVLET_PORT_CALL LayerStatesDictionary(port::Database db, port::ObjectId* dictionary) override;
   port::Result TAVLET_PORT_CALL OpenDictionary(port::ObjectId id, port::Dictionary** dictionary) override;
   port::Result TAVLET_PORT_CALL RestoreLayerState(port::Database db, const char* name, long* acadStatus) override;
