@@ -197,7 +197,9 @@ class SimHost final : public port::HostSession,
   // The version string of a drawing file or description; empty for anything else.
   std::string VersionOfFile(const std::string& path) const;
   // A profile's registry root; an empty root: the profile manager gives none.
-  void SetProfileRegistryRoot(const std::string& profile, const std::string& root) { profileRoots_[profile] = root; }
+  void SetProfileRegistryRoot(const std::string& profile, const std::string& root) {
+    profileRoots_[profile] = root;
+  }
 
   // ---- used by the automation and sheet-set objects ----
   port::Result Enter(const char* call);  // counts the call, applies a planned fault
