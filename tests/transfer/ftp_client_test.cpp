@@ -40,8 +40,15 @@ class FtpServerTest : public ::testing::Test {
     if (FtpError e = client.Connect("127.0.0.1", server_.port())) return e;
     return client.Logon(kUser, password);
   }
-  // Where the server keeps a remote name (UTF-8 on its disk).
-  std::string OnServer(const std::string& name) const { return root_.local + "/" + text::ToUtf8(name); }
+  // Where the server keeps a remote name. Its disk holds UTF-8 names; under
+  // Wine the ANSI calls take the code-page 936 name and Wine makes it UTF-8.
+  std::string OnServer(const std::string& name) const {
+#ifdef _WIN32
+    return root_.local + "\\" + name;
+#else
+    return root_.local + "/" + text::ToUtf8(name);
+#endif
+  }
   std::string Local(const std::string& name) const { return local_ + "/" + name; }
 
   PythonServer server_;
