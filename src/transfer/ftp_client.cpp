@@ -275,12 +275,17 @@ FtpError FtpClient::StartTransfer(const std::string& verb, const std::string& ar
     return Unexpected(Shown(verb, FromWire(argument)), reply);
   }
   if (listener) {
+    // The server has taken the command and will answer it once more; a session
+    // left here would read that answer as the reply to its next command.
     if (NetError e = listener->Accept(data); e != NetError::None) {
-      return NetFailure(e, verb + ": waiting for the server's data connection");
+      FtpError error = NetFailure(e, verb + ": waiting for the server's data connection");
+      Drop();
+      return error;
     }
     const std::string from = data->PeerAddress().host;
     if (from != control_->PeerAddress().host) {
       data.reset();
+      Drop();
       return Fail(FtpErrorKind::Network, verb + ": the data connection came from " + from + ", not from the server");
     }
   }
