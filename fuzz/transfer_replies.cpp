@@ -3,8 +3,8 @@
 // sizes come from the input, so that every split of a line is tried; the
 // update answer is judged as a whole, and the address and folder parsers get
 // each reply's text.
-#include <cstddef>
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -17,8 +17,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (size == 0) return 0;
   const std::string_view input(reinterpret_cast<const char*>(data) + 1, size - 1);
   if (data[0] & 1) {
-    const tavlet::host::UpdateVerdict verdict = tavlet::host::JudgeUpdateAnswer("2.0.7", 200, input);
-    if (verdict.status == tavlet::host::UpdateStatus::NewerBuild && !tavlet::host::IsAcceptableUpdateUrl(verdict.url)) {
+    const tavlet::host::UpdateVerdict verdict =
+        tavlet::host::JudgeUpdateAnswer("2.0.7", 200, input);
+    if (verdict.status == tavlet::host::UpdateStatus::NewerBuild &&
+        !tavlet::host::IsAcceptableUpdateUrl(verdict.url)) {
       __builtin_trap();
     }
     tavlet::host::BuildVersion::Parse(input);
