@@ -47,7 +47,8 @@ Carving CarveCommandHost(const host::WindowPos& proposed, int dockSide, long wid
 
 // The MDI client's proposal with the bar on an area side: `thickness` off the
 // top, left, right or bottom; an unknown area side cuts nothing and the bar gets
-// the whole rectangle. The caller passes DrawingAreaThickness's choice.
+// the whole rectangle. The caller passes TabThickness or PreviewThickness, as
+// UsesTabThickness chooses.
 Carving CarveDrawingArea(const host::WindowPos& proposed, int dockSide, long thickness);
 
 // Tabs decide the area-side thickness with no drawing open or in tab mode;

@@ -130,18 +130,15 @@ TEST_F(StripActionsTest, RefreshAllPreviewsVisitsEveryDrawingActiveAndComesBack)
   RefreshAllPreviews(*bar, capture);
   EXPECT_TRUE(captured.empty());
   EXPECT_EQ(h.host.MdiActive(), a);
-}
 
-TEST(StripActions, RefreshWithOneDrawingOnlyRedraws) {
-  sim::ModuleHarness h;
-  port::Document only = h.OpenDrawing("C:\\d\\a.dwg");
-  ASSERT_EQ(h.Load(), 0);
+  // With one drawing the strip is only redrawn.
+  bar->Settings().AutoUpdatePreviews = 1;
+  h.host.CloseDrawing(b);
+  h.host.CloseDrawing(c);
   h.windows.ClearLog();
-  int captures = 0;
-  RefreshAllPreviews(*h.Bar(), [&](DocEntry&) { ++captures; });
-  EXPECT_EQ(captures, 0);
+  RefreshAllPreviews(*bar, capture);
+  EXPECT_TRUE(captured.empty());
   EXPECT_EQ(h.windows.Log(), (std::vector<std::string>{"RedrawWindow PreviewStrip 0x105"}));
-  EXPECT_EQ(h.host.MdiActive(), only);
 }
 
 TEST_F(StripActionsTest, TimersAreKilledFirstThenRedrawOrMarkStale) {
