@@ -334,6 +334,22 @@ TEST_F(BarOnFrame, AClickOnACellActivatesItsDrawing) {
   EXPECT_EQ(demo->Host().MdiActive(), docs[0]);
   HWND active = reinterpret_cast<HWND>(SendMessageA(demo->MdiClient(), WM_MDIGETACTIVE, 0, 0));
   EXPECT_EQ(active, demo->ViewOf(docs[0]));
+  // The other way round: the user picks a drawing's window, and the bar follows the host.
+  SendMessageA(demo->MdiClient(), WM_MDIACTIVATE, reinterpret_cast<WPARAM>(demo->ViewOf(docs[1])), 0);
+  demo->Pump(30);
+  EXPECT_EQ(demo->Host().MdiActive(), docs[1]);
+  RedrawWindow(FindPreviewStrip(), nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+  const Picture shot = CaptureWindow(FindPreviewStrip());
+  RECT strip{};
+  GetWindowRect(FindPreviewStrip(), &strip);
+  const std::vector<RECT> cells = Cells();
+  ASSERT_EQ(cells.size(), 3u);
+  const COLORREF blue = win32::kActiveCellFrame;
+  const std::uint32_t activeFrame = (std::uint32_t{GetRValue(blue)} << 16) | (GetGValue(blue) << 8) | GetBValue(blue);
+  for (int i = 0; i < 3; ++i) {
+    const std::uint32_t pixel = shot.At(cells[i].left - strip.left, (cells[i].top + cells[i].bottom) / 2 - strip.top);
+    EXPECT_EQ(pixel == activeFrame, i == 1) << "cell " << i << " " << std::hex << pixel;
+  }
 }
 
 TEST_F(BarOnFrame, AClickDuringACommandWithSwitchOnBusyOffShowsTheMessage) {
