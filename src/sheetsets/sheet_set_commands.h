@@ -8,7 +8,6 @@
 //   sheetSets.OpenSheetSet(sheetSets.recentSheetSets.begin()->second.Full);
 #pragma once
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -18,6 +17,7 @@
 #include "operations/drawing_path.h"
 #include "operations/operation_shell.h"
 #include "settings/settings_store.h"
+#include "worksets/workset_store.h"
 
 namespace tavlet::sheetsets {
 
@@ -46,7 +46,7 @@ struct SheetSetServices {
   FileSystem& files;
   const SettingsStore& settings;
   operations::OperationShell& shell;     // the folder browser
-  std::function<void(const DrawingPath& file, bool complain, bool restoreDbmod)> openFile;
+  OpenFileFunction openFile;
   SheetSetDialogRunner* dialog = nullptr;
   port::Window owner = nullptr;
   double hostVersion = 0;
