@@ -32,7 +32,8 @@ struct Setup {
       error = "cannot write the 200 MB files";
       return;
     }
-    server.Start(tavlet::testing::TestScript("transfer/ftp_server.py"), {root.unix, "--lifetime", "3600"}, error);
+    server.Start(tavlet::testing::TestScript("transfer/ftp_server.py"),
+                 {root.unix, "--lifetime", "3600"}, error);
   }
 };
 
@@ -65,7 +66,8 @@ void BM_ClientDownload(benchmark::State& state) {
   if (!LogOn(state, client)) return;
   const std::string target = Shared().local + "/download.bin";
   for (auto _ : state) {
-    if (tavlet::transfer::FtpError e = client.Download("big.bin", target)) state.SkipWithError(e.message.c_str());
+    if (tavlet::transfer::FtpError e = client.Download("big.bin", target))
+      state.SkipWithError(e.message.c_str());
   }
   Finish(state);
 }
@@ -75,7 +77,8 @@ void BM_ClientUpload(benchmark::State& state) {
   if (!LogOn(state, client)) return;
   const std::string source = Shared().local + "/source.bin";
   for (auto _ : state) {
-    if (tavlet::transfer::FtpError e = client.Upload(source, "upload.bin")) state.SkipWithError(e.message.c_str());
+    if (tavlet::transfer::FtpError e = client.Upload(source, "upload.bin"))
+      state.SkipWithError(e.message.c_str());
   }
   Finish(state);
 }
@@ -90,14 +93,18 @@ void RunFtplib(benchmark::State& state, bool download) {
   const std::string script =
       "import ftplib, sys, time\n"
       "f = ftplib.FTP()\n"
-      "f.connect('127.0.0.1', " + std::to_string(setup.server.port()) + ")\n"
+      "f.connect('127.0.0.1', " +
+      std::to_string(setup.server.port()) +
+      ")\n"
       "f.login('tavlet', 'secret')\n"
       "f.voidcmd('TYPE I')\n"
       "start = time.perf_counter()\n" +
-      (download ? "with open('" + setup.local + "/ftplib.bin', 'wb') as out:\n"
-                  "    f.retrbinary('RETR big.bin', out.write, blocksize=262144)\n"
-                : "with open('" + setup.local + "/source.bin', 'rb') as src:\n"
-                  "    f.storbinary('STOR ftplib.bin', src, blocksize=262144)\n") +
+      (download ? "with open('" + setup.local +
+                      "/ftplib.bin', 'wb') as out:\n"
+                      "    f.retrbinary('RETR big.bin', out.write, blocksize=262144)\n"
+                : "with open('" + setup.local +
+                      "/source.bin', 'rb') as src:\n"
+                      "    f.storbinary('STOR ftplib.bin', src, blocksize=262144)\n") +
       "print(time.perf_counter() - start)\n"
       "f.quit()\n";
   const std::string scriptPath = setup.local + "/ftplib_run.py";

@@ -38,7 +38,10 @@ update_indexes() {
   updated=1
   # An index that fails (a mirror in the middle of a sync) must not stop the
   # install of what the other indexes offer.
-  $sudo apt-get update || echo "setup: some package indexes could not be downloaded; going on with the others"
+  if ! $sudo apt-get update 2>&1 | tee /tmp/tavlet-apt-update.log; then :; fi
+  if grep -q '^E:' /tmp/tavlet-apt-update.log; then
+    echo "setup: some package indexes could not be downloaded; going on with the others"
+  fi
 }
 
 if [ ${#missing[@]} -eq 0 ]; then
@@ -67,8 +70,14 @@ if [ "$purpose" != bench ]; then
     if $sudo apt-get install -y --no-install-recommends wine32:i386 >/tmp/tavlet-wine32.log 2>&1; then
       echo "setup: 32-bit Wine installed"
     else
-      echo "setup: 32-bit Wine could not be installed; the 32-bit (i686) runs will be SKIPPED. apt said:"
-      grep -E '^(E:|W:| )' /tmp/tavlet-wine32.log | head -12 | sed 's/^/setup:   /'
+      echo "setup: 32-bit Wine could not be installed; the 32-bit (i686) runs will be SKIPPED."
+      if grep -q 'i386.*Packages' /tmp/tavlet-apt-update.log 2>/dev/null; then
+        echo "setup: the i386 package index did not download (a mirror in the middle of a sync?), so the i386"
+        echo "setup: libraries wine32 needs can't be matched to the 64-bit ones already installed:"
+        grep -E '^E:.*i386' /tmp/tavlet-apt-update.log | head -3 | sed 's/^/setup:   /'
+      fi
+      echo "setup: apt said:"
+      grep -E '^(E:|W:| )' /tmp/tavlet-wine32.log | head -8 | sed 's/^/setup:   /'
     fi
   fi
 fi

@@ -55,7 +55,10 @@ void CollectLayerStates(int& nextId, IdMap<std::string>& states, port::DrawingDa
 
 std::optional<long> RestoreLayerState(port::HostSession& session, port::Document lockDocument,
                                       port::Database db, const std::string& name) {
-  if (!db) return std::nullopt;
+  bool hasManager = false;
+  if (!db || port::Failed(session.Databases()->HasLayerStateManager(db, &hasManager)) ||
+      !hasManager)
+    return std::nullopt;
   db::DocumentLock lock(*session.Documents(), lockDocument);
   long status = port::kAcadOk;
   if (port::Failed(session.Databases()->RestoreLayerState(db, name.c_str(), &status)))

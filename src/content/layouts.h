@@ -35,7 +35,8 @@ void CollectLayerStates(int& nextId, IdMap<std::string>& states, port::DrawingDa
                         port::Database db, bool fill);
 
 // restoreLayerState on `db` with `lockDocument` locked for write around it.
-// The Acad::ErrorStatus, or nothing when the host can't be asked.
+// The Acad::ErrorStatus; nothing, and no lock taken, when the database has no
+// layer state manager or the host can't be asked.
 std::optional<long> RestoreLayerState(port::HostSession& session, port::Document lockDocument,
                                       port::Database db, const std::string& name);
 

@@ -17,7 +17,9 @@ std::string_view TrimRight(std::string_view text) {
   return text;
 }
 
-bool StartsWith(std::string_view text, std::string_view prefix) { return text.substr(0, prefix.size()) == prefix; }
+bool StartsWith(std::string_view text, std::string_view prefix) {
+  return text.substr(0, prefix.size()) == prefix;
+}
 
 UpdateParseResult Fault(std::size_t line, std::string error) {
   UpdateParseResult result;
@@ -102,22 +104,26 @@ UpdateParseResult ParseUpdateAnswer(std::string_view body) {
     if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
     for (char c : line) {
       const auto u = static_cast<unsigned char>(c);
-      if ((u < 0x20 && c != '\t') || u == 0x7F) return Fault(lineNumber, "a control character in the line");
+      if ((u < 0x20 && c != '\t') || u == 0x7F)
+        return Fault(lineNumber, "a control character in the line");
     }
     line = TrimRight(line);
     if (line.empty() || line[0] == '#') continue;
     if (!sawFormat) {
       if (StartsWith(line, "tavlet-update ") && line != kUpdateFormatLine) {
-        return Fault(lineNumber, "answer format \"" + std::string(line.substr(14)) + "\" is not known to this build");
+        return Fault(lineNumber, "answer format \"" + std::string(line.substr(14)) +
+                                     "\" is not known to this build");
       }
-      if (line != kUpdateFormatLine) return Fault(lineNumber, "the answer does not start with \"tavlet-update 1\"");
+      if (line != kUpdateFormatLine)
+        return Fault(lineNumber, "the answer does not start with \"tavlet-update 1\"");
       sawFormat = true;
       continue;
     }
     std::size_t keyEnd = 0;
     // A key is a lower-case word: a letter, then letters, digits or '-'.
-    while (keyEnd < line.size() && ((line[keyEnd] >= 'a' && line[keyEnd] <= 'z') ||
-                                    (keyEnd > 0 && (IsDigit(line[keyEnd]) || line[keyEnd] == '-')))) {
+    while (keyEnd < line.size() &&
+           ((line[keyEnd] >= 'a' && line[keyEnd] <= 'z') ||
+            (keyEnd > 0 && (IsDigit(line[keyEnd]) || line[keyEnd] == '-')))) {
       ++keyEnd;
     }
     if (keyEnd == 0 || keyEnd == line.size() || (line[keyEnd] != ' ' && line[keyEnd] != '\t')) {
@@ -125,7 +131,8 @@ UpdateParseResult ParseUpdateAnswer(std::string_view body) {
     }
     const std::string_view key = line.substr(0, keyEnd);
     std::string_view value = line.substr(keyEnd);
-    while (!value.empty() && (value.front() == ' ' || value.front() == '\t')) value.remove_prefix(1);
+    while (!value.empty() && (value.front() == ' ' || value.front() == '\t'))
+      value.remove_prefix(1);
     auto once = [&](bool& seen) {
       if (seen) return false;
       seen = true;
@@ -133,16 +140,19 @@ UpdateParseResult ParseUpdateAnswer(std::string_view body) {
     };
     if (key == "version") {
       if (!once(sawVersion)) return Fault(lineNumber, "\"version\" given twice");
-      if (!BuildVersion::Parse(value)) return Fault(lineNumber, "\"" + std::string(value.substr(0, 40)) + "\" is not a version");
+      if (!BuildVersion::Parse(value))
+        return Fault(lineNumber, "\"" + std::string(value.substr(0, 40)) + "\" is not a version");
       result.answer.version = std::string(value);
     } else if (key == "url") {
       if (!once(sawUrl)) return Fault(lineNumber, "\"url\" given twice");
-      if (!IsAcceptableUpdateUrl(value)) return Fault(lineNumber, "the link is not an http or https address");
+      if (!IsAcceptableUpdateUrl(value))
+        return Fault(lineNumber, "the link is not an http or https address");
       result.answer.url = std::string(value);
     } else if (key == "notes") {
       if (!once(sawNotes)) return Fault(lineNumber, "\"notes\" given twice");
       if (value.size() > kMaxUpdateNotes) {
-        return Fault(lineNumber, "the notes are longer than " + std::to_string(kMaxUpdateNotes) + " bytes");
+        return Fault(lineNumber,
+                     "the notes are longer than " + std::to_string(kMaxUpdateNotes) + " bytes");
       }
       // The answer is UTF-8; the dialogs show code page 936.
       result.answer.notes = text::FromUtf8(value);
@@ -171,7 +181,8 @@ UpdateVerdict JudgeUpdateAnswer(std::string_view current, int httpStatus, std::s
   UpdateParseResult parsed = ParseUpdateAnswer(body);
   if (!parsed.ok) {
     verdict.status = UpdateStatus::BadAnswer;
-    verdict.detail = parsed.line > 0 ? "line " + std::to_string(parsed.line) + ": " + parsed.error : parsed.error;
+    verdict.detail = parsed.line > 0 ? "line " + std::to_string(parsed.line) + ": " + parsed.error
+                                     : parsed.error;
     return verdict;
   }
   const auto mine = BuildVersion::Parse(current);

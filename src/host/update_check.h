@@ -55,9 +55,9 @@ enum class UpdateStatus {
   NoEndpoint,  // no address configured, or not an http(s) address
   NoNetwork,   // the server could not be reached
   TimedOut,
-  HttpError,   // a status other than 200
-  BadAnswer,   // not the format, or a version or link that fails the checks
-  TooLarge,    // more than kMaxUpdateAnswer bytes
+  HttpError,  // a status other than 200
+  BadAnswer,  // not the format, or a version or link that fails the checks
+  TooLarge,   // more than kMaxUpdateAnswer bytes
   Cancelled,
 };
 
@@ -66,7 +66,7 @@ struct UpdateVerdict {
   std::string version;  // the offered build, for NewerBuild and UpToDate
   std::string url;      // for NewerBuild
   std::string notes;
-  std::string detail;   // what went wrong, English, for a failure
+  std::string detail;  // what went wrong, English, for a failure
 };
 
 // The verdict for a 200 answer's body; `current` is the build this module is

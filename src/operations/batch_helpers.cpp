@@ -5,7 +5,8 @@
 namespace tavlet::operations {
 
 // The host answers a notice with a flag nobody acts on, so failures are let go.
-ModelessNotice::ModelessNotice(port::Editor& editor, std::string name) : editor_(editor), name_(std::move(name)) {
+ModelessNotice::ModelessNotice(port::Editor& editor, std::string name)
+    : editor_(editor), name_(std::move(name)) {
   editor_.ModelessOperationStart(name_.c_str());
 }
 

@@ -45,9 +45,13 @@ void DrawingOperations::SaveAndCloseAll(const char* notice, const char* line, bo
   });
 }
 
-void DrawingOperations::OnSaveAndCloseAll() { SaveAndCloseAll("TL_SaveAndCloseAll", lines::SaveAndCloseAll, false); }
+void DrawingOperations::OnSaveAndCloseAll() {
+  SaveAndCloseAll("TL_SaveAndCloseAll", lines::SaveAndCloseAll, false);
+}
 
-void DrawingOperations::OnExitSaveAll() { SaveAndCloseAll("TL_ExitSaveAll", lines::ExitSaveAll, true); }
+void DrawingOperations::OnExitSaveAll() {
+  SaveAndCloseAll("TL_ExitSaveAll", lines::ExitSaveAll, true);
+}
 
 void DrawingOperations::CloseAllNoSave(bool exit) {
   Guarded(lines::CloseAllNoSave, [&] {

@@ -51,7 +51,9 @@ long DrawingOperations::Ask(const std::string& text, unsigned long type) {
   return answer;
 }
 
-void DrawingOperations::Print(const std::string& text) { services_.session.EditorService()->Print(text.c_str()); }
+void DrawingOperations::Print(const std::string& text) {
+  services_.session.EditorService()->Print(text.c_str());
+}
 
 // ---------------------------------------------------------------- bridges
 
@@ -81,7 +83,9 @@ host::AcadDocumentPtr DrawingOperations::AutomationObjectOf(port::Document docum
 
 // ---------------------------------------------------------------- save and close
 
-void DrawingOperations::SaveDrawing(host::AcadDocumentPtr document) { SaveDrawingChecked(document); }
+void DrawingOperations::SaveDrawing(host::AcadDocumentPtr document) {
+  SaveDrawingChecked(document);
+}
 
 bool DrawingOperations::SaveDrawingChecked(const host::AcadDocumentPtr& document) {
   return Guarded(lines::SaveAll, [&] {
@@ -94,7 +98,8 @@ bool DrawingOperations::SaveDrawingChecked(const host::AcadDocumentPtr& document
         services_.application.ZoomExtents();
       } else {
         port::Value cvport;
-        host::ThrowIfFailed(services_.session.EditorService()->GetVariable("CVPORT", &cvport, nullptr));
+        host::ThrowIfFailed(
+            services_.session.EditorService()->GetVariable("CVPORT", &cvport, nullptr));
         // A floating viewport is active: the sheet is zoomed, not the model in it.
         if (cvport.integer != 1) document.SendCommand("_.PSPACE\n");
         services_.application.ZoomAll();
@@ -125,7 +130,8 @@ bool DrawingOperations::CloseDrawing(host::AcadDocumentPtr document) {
       port::Document owner = DocumentFromAutomation(document);
       if (!owner) return;
       if (document.GetVariableShort("DBMOD") > 0) {
-        const long answer = Ask("Save changes to " + NameInQuestion(owner) + "?", port::kBoxYesNoCancel);
+        const long answer =
+            Ask("Save changes to " + NameInQuestion(owner) + "?", port::kBoxYesNoCancel);
         if (answer != port::kAnswerYes && answer != port::kAnswerNo) return;
         // A save that failed has shown its box; closing without saving now would
         // throw the changes away, so the drawing stays open.
@@ -224,7 +230,8 @@ void DrawingOperations::NewDrawingFrom(const std::string& templateName) {
     host::ThrowIfFailed(services_.session.Documents()->DocumentCount(&count));
     // With no drawing open automation has no document to run in.
     if (count == 0)
-      host::ThrowIfFailed(services_.session.Documents()->AppContextNewDocument(templateName.c_str()));
+      host::ThrowIfFailed(
+          services_.session.Documents()->AppContextNewDocument(templateName.c_str()));
     else
       services_.application.Documents().Add(templateName);
   } catch (...) {

@@ -26,8 +26,8 @@ class OperationShell {
   virtual void OpenWithShell(const std::string& path) = 0;
   // SHBrowseForFolderA on `owner` with BIF_RETURNONLYFSDIRS | BIF_NEWDIALOGSTYLE,
   // starting at `start`. False when the user cancels or the choice has no path.
-  virtual bool BrowseForFolder(port::Window owner, const std::string& title, const std::string& start,
-                               std::string& chosen) = 0;
+  virtual bool BrowseForFolder(port::Window owner, const std::string& title,
+                               const std::string& start, std::string& chosen) = 0;
   // The modal plot dialog (a shell: nothing fills it, nothing is read from it).
   // True on OK.
   virtual bool RunPlotDialog(port::Window owner) = 0;
@@ -37,7 +37,8 @@ class OperationShell {
 // extended data. The drawing-content side implements it.
 class ViewLayoutWriter {
  public:
-  virtual void WriteViewLayout(const std::string& view, const std::string& layout, port::Document document) = 0;
+  virtual void WriteViewLayout(const std::string& view, const std::string& layout,
+                               port::Document document) = 0;
 
  protected:
   ~ViewLayoutWriter() = default;

@@ -24,7 +24,8 @@ void DrawingOperations::OnSaveView() {
   Guarded(lines::SaveView, [&] {
     host::StringSink name;
     long status = port::kRtError;
-    host::ThrowIfFailed(services_.session.EditorService()->GetString(true, "视图名称:", &name, &status));
+    host::ThrowIfFailed(
+        services_.session.EditorService()->GetString(true, "视图名称:", &name, &status));
     if (status != port::kRtNormal) return;
     if (!services_.session.OleLinks()) return;
     host::AcadDocumentPtr document = AutomationObjectOf(contextDocument);
@@ -51,7 +52,8 @@ void DrawingOperations::OnSaveView() {
     view.PutTarget(viewport.Target());
     view.PutWidth(viewport.Width());
     const std::string layout = document.ActiveLayout().Name();
-    if (services_.viewLayouts) services_.viewLayouts->WriteViewLayout(name.text, layout, contextDocument);
+    if (services_.viewLayouts)
+      services_.viewLayouts->WriteViewLayout(name.text, layout, contextDocument);
   });
 }
 
@@ -63,7 +65,8 @@ void DrawingOperations::OnChangeTemplatePath() {
       services_.session.Services()->ProfileRegistryRoot(profile.Text().c_str(), &root);
   if (found != port::kOk || root.text.empty()) return;
   const std::string key =
-      (root.text.size() > kRootPrefixLength ? root.text.substr(kRootPrefixLength) : std::string()) + "\\General";
+      (root.text.size() > kRootPrefixLength ? root.text.substr(kRootPrefixLength) : std::string()) +
+      "\\General";
 
   RegValue value;
   std::string folder;
@@ -77,7 +80,8 @@ void DrawingOperations::OnChangeTemplatePath() {
   std::string chosen;
   if (!services_.shell.BrowseForFolder(frame, "选择新的模板路径", current.Full, chosen)) return;
   if (!EndsWithBackslash(chosen)) chosen += '\\';
-  registry.SetValue(key, kTemplatePath, kRegSz, std::string_view(chosen.c_str(), chosen.size() + 1));
+  registry.SetValue(key, kTemplatePath, kRegSz,
+                    std::string_view(chosen.c_str(), chosen.size() + 1));
 }
 
 }  // namespace tavlet::operations

@@ -15,7 +15,7 @@ enum class NetError {
   HostNotFound,
   Refused,
   TimedOut,
-  Reset,        // the peer dropped the connection
+  Reset,  // the peer dropped the connection
   Unreachable,
   Unsupported,  // no socket layer (Winsock could not be loaded) or a wrong address family
   Other,
@@ -57,7 +57,8 @@ class Network {
                            std::unique_ptr<Socket>& socket) = 0;
   // A socket listening on the numeric address `localHost`, on a port the system
   // picks (read it back with LocalAddress).
-  virtual NetError Listen(const std::string& localHost, int timeoutMilliseconds, std::unique_ptr<Socket>& socket) = 0;
+  virtual NetError Listen(const std::string& localHost, int timeoutMilliseconds,
+                          std::unique_ptr<Socket>& socket) = 0;
 };
 
 // The process's real sockets (POSIX or Winsock build).

@@ -51,7 +51,8 @@ namespace {
 
 std::string EntryLine(const ThumbnailEntry& entry) {
   char buffer[96];
-  std::snprintf(buffer, sizeof buffer, "    code %d  offset 0x%X  size %u", entry.code, entry.start, entry.size);
+  std::snprintf(buffer, sizeof buffer, "    code %d  offset 0x%X  size %u", entry.code, entry.start,
+                entry.size);
   return buffer;
 }
 
@@ -74,7 +75,8 @@ DrawingReport ReportDrawing(FileSystem& fs, const std::string& path) {
 
   std::string& out = report.text;
   Line(out, "%s", shownPath.c_str());
-  Line(out, "  version      %s (%s)", version.c_str(), std::string(DrawingReleaseName(version)).c_str());
+  Line(out, "  version      %s (%s)", version.c_str(),
+       std::string(DrawingReleaseName(version)).c_str());
   Line(out, "  code         %d", thumbnail.fileCode());
   if (thumbnail.HasDib()) {
     Line(out, "  releaseCode  %d", thumbnail.releaseCode());
@@ -82,7 +84,8 @@ DrawingReport ReportDrawing(FileSystem& fs, const std::string& path) {
     Line(out, "  releaseCode  - (set only with a picture)");
   }
   if (info.size < kHeadSize) {
-    Line(out, "  formatByte   - (the file ends at byte %llu, before it)", static_cast<unsigned long long>(info.size));
+    Line(out, "  formatByte   - (the file ends at byte %llu, before it)",
+         static_cast<unsigned long long>(info.size));
     Line(out, "  imageOffset  - (the file ends before it)");
   } else {
     Line(out, "  formatByte   0x%02X", thumbnail.formatByte());
@@ -103,7 +106,8 @@ DrawingReport ReportDrawing(FileSystem& fs, const std::string& path) {
   int firstDamaged = -1;
   if (thumbnail.foundImageBlock() && thumbnail.declaredEntries() >= 0) {
     const auto& entries = thumbnail.entries();
-    if (damaged && entries.size() != static_cast<std::size_t>(std::max(0, thumbnail.declaredEntries()))) {
+    if (damaged &&
+        entries.size() != static_cast<std::size_t>(std::max(0, thumbnail.declaredEntries()))) {
       Line(out, "  entries      %zu read", entries.size());
     } else {
       Line(out, "  entries      %zu", entries.size());
@@ -113,13 +117,15 @@ DrawingReport ReportDrawing(FileSystem& fs, const std::string& path) {
       const ThumbnailEntry& entry = entries[i];
       // The reader only reads the entry it draws; an entry it skips can be
       // damaged too, and a tool that extracts it would fail.
-      const bool outside = entry.start > 0x7FFFFFFFu || std::uint64_t{entry.start} + entry.size > info.size;
+      const bool outside =
+          entry.start > 0x7FFFFFFFu || std::uint64_t{entry.start} + entry.size > info.size;
       if ((damaged && static_cast<int>(i) == thumbnail.damagedEntry()) || outside) {
         if (!damaged && firstDamaged < 0) firstDamaged = static_cast<int>(i);
         if (entry.start > 0x7FFFFFFFu) {
           line += "  DAMAGED: its offset is out of range";
         } else if (std::uint64_t{entry.start} + entry.size > info.size) {
-          line += "  DAMAGED: its data runs past the end of the file (" + std::to_string(info.size) + " bytes)";
+          line += "  DAMAGED: its data runs past the end of the file (" +
+                  std::to_string(info.size) + " bytes)";
         } else {
           line += "  DAMAGED: its data could not be read";
         }

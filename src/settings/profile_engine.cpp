@@ -44,6 +44,20 @@ std::string_view TrimRight(std::string_view s) {
 
 std::string_view Trim(std::string_view s) { return TrimRight(TrimLeft(s)); }
 
+// A name or text a caller gives, read as the platform reads it: through UTF-16, where
+// a lone lead byte becomes "?" as in the file.
+class Asked {
+ public:
+  explicit Asked(std::string_view raw) : view_(FixLoneLeads(raw, fixed_) ? std::string_view(fixed_) : raw) {}
+  Asked(const Asked&) = delete;
+  Asked& operator=(const Asked&) = delete;
+  operator std::string_view() const { return view_; }
+
+ private:
+  std::string fixed_;
+  std::string_view view_;
+};
+
 // TrimRight by character: a blank byte that a lead byte takes is no blank.
 std::string_view TrimCharsRight(std::string_view s) {
   std::size_t end = 0;
@@ -128,7 +142,8 @@ std::uint32_t CopyEntry(std::uint32_t* dest, Wide value, std::uint32_t size) {
 const Entry* FindEntry(const Document& document, std::string_view section, std::string_view key) {
   const Section* found = FindSection(document, section);
   if (!found) return nullptr;
-  const std::string_view wanted = Trim(key);
+  const Asked asked(key);
+  const std::string_view wanted = Trim(asked);
   for (const Entry& entry : found->entries)
     if (SameName(entry.name, wanted)) return &entry;
   return nullptr;
@@ -145,9 +160,10 @@ std::string_view TrimDefault(std::string_view def) {
 // the last one shortened.
 std::uint32_t SectionWide(const Document& document, std::string_view name, bool withValues,
                           std::uint32_t* buffer, std::uint32_t size, bool* cut = nullptr) {
+  const Asked asked(name);
   const Section* section = nullptr;
   for (const Section& s : document.sections) {
-    if (SameName(s.name, name)) {
+    if (SameName(s.name, asked)) {
       section = &s;
       break;
     }
@@ -282,11 +298,8 @@ Section& SectionForWrite(Document& document, std::string_view name) {
 
 bool SetValue(Document& document, std::string_view rawSection, std::string_view rawKey,
               std::string_view rawValue, bool alwaysAdd) {
-  // The platform takes the three texts through UTF-16 as it takes the file.
-  std::string fixedSection, fixedKey, fixedValue;
-  const std::string_view section = FixLoneLeads(rawSection, fixedSection) ? fixedSection : rawSection;
-  const std::string_view key = FixLoneLeads(rawKey, fixedKey) ? fixedKey : rawKey;
-  std::string_view value = FixLoneLeads(rawValue, fixedValue) ? fixedValue : rawValue;
+  const Asked section(rawSection), key(rawKey), asked(rawValue);
+  std::string_view value = asked;
   Section& target = SectionForWrite(document, section);
   value = CutAtNul(TrimLeft(value));
   Entry* entry = nullptr;
@@ -310,12 +323,6 @@ bool SetValue(Document& document, std::string_view rawSection, std::string_view 
 
 }  // namespace
 
-std::string ReadAsCharacters(std::string_view bytes) {
-  std::string out;
-  if (!FixLoneLeads(bytes, out)) out.assign(bytes);
-  return out;
-}
-
 // The platform reads the file as characters: a lead byte takes the trail byte after
 // it, so a trail byte is never a line end, a "]" or a blank. Either of CR and LF ends
 // a line, wherever it stands.
@@ -338,7 +345,7 @@ Document Parse(std::string_view raw) {
     while (pos < size) {
       const auto c = static_cast<unsigned char>(bytes[pos]);
       if (c == '\n' || c == '\r') break;
-      if (text::IsLeadByte(c) && pos + 1 < size && bytes[pos + 1] != '\0') {
+      if (text::IsLeadByte(c) && pos + 1 < size) {  // a trail byte follows: see FixLoneLeads
         pos += 2;
         end = pos;
         continue;
@@ -370,41 +377,6 @@ Document Parse(std::string_view raw) {
   return document;
 }
 
-namespace {
-
-void AppendUtf8(std::string& out, char32_t u) {
-  if (u < 0x80) {
-    out += static_cast<char>(u);
-  } else if (u < 0x800) {
-    out += static_cast<char>(0xC0 | (u >> 6));
-    out += static_cast<char>(0x80 | (u & 0x3F));
-  } else if (u < 0x10000) {
-    out += static_cast<char>(0xE0 | (u >> 12));
-    out += static_cast<char>(0x80 | ((u >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (u & 0x3F));
-  } else {
-    out += static_cast<char>(0xF0 | (u >> 18));
-    out += static_cast<char>(0x80 | ((u >> 12) & 0x3F));
-    out += static_cast<char>(0x80 | ((u >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (u & 0x3F));
-  }
-}
-
-void AppendUtf16(std::string& out, char32_t u) {
-  auto unit = [&out](char32_t v) {
-    out += static_cast<char>(v & 0xFF);
-    out += static_cast<char>(v >> 8);
-  };
-  if (u < 0x10000) {
-    unit(u);
-  } else {
-    unit(0xD800 + ((u - 0x10000) >> 10));
-    unit(0xDC00 + ((u - 0x10000) & 0x3FF));
-  }
-}
-
-}  // namespace
-
 bool IsUtf16File(std::string_view bytes) {
   return bytes.size() >= 2 && bytes[0] == '\xFF' && bytes[1] == '\xFE';
 }
@@ -416,44 +388,14 @@ FileText DecodeFile(std::string_view bytes) {
     return file;
   }
   file.utf16 = true;
-  auto unitAt = [&bytes](std::size_t i) {
-    return static_cast<char32_t>(static_cast<unsigned char>(bytes[i]) |
-                                 (static_cast<unsigned char>(bytes[i + 1]) << 8));
-  };
-  std::string utf8;
-  utf8.reserve(bytes.size());
-  for (std::size_t i = 2; i + 1 < bytes.size(); i += 2) {
-    char32_t u = unitAt(i);
-    if (u >= 0xD800 && u <= 0xDBFF && i + 3 < bytes.size() && unitAt(i + 2) >= 0xDC00 &&
-        unitAt(i + 2) <= 0xDFFF) {
-      u = 0x10000 + ((u - 0xD800) << 10) + (unitAt(i + 2) - 0xDC00);
-      i += 2;
-    } else if (u >= 0xD800 && u <= 0xDFFF) {
-      u = 0xFFFD;
-    }
-    AppendUtf8(utf8, u);
-  }
-  file.text = text::FromUtf8(utf8);
+  file.text = text::FromUtf16Le(bytes.substr(2));
   file.lossless = EncodeFile(file.text, true) == bytes;
   return file;
 }
 
 std::string EncodeFile(std::string_view cp936, bool utf16) {
   if (!utf16) return std::string(cp936);
-  // ToUtf8 writes well-formed UTF-8 only, so the decoding below needs no checks.
-  const std::string utf8 = text::ToUtf8(cp936);
-  std::string out = "\xFF\xFE";
-  out.reserve(2 + cp936.size() * 2);
-  for (std::size_t i = 0; i < utf8.size();) {
-    const auto c = static_cast<unsigned char>(utf8[i]);
-    const int extra = c < 0x80 ? 0 : c < 0xE0 ? 1 : c < 0xF0 ? 2 : 3;
-    char32_t u = extra == 0 ? c : c & (0x3F >> extra);
-    for (int k = 1; k <= extra && i + k < utf8.size(); ++k)
-      u = (u << 6) | (static_cast<unsigned char>(utf8[i + k]) & 0x3F);
-    i += static_cast<std::size_t>(extra) + 1;
-    AppendUtf16(out, u);
-  }
-  return out;
+  return "\xFF\xFE" + text::ToUtf16Le(cp936);
 }
 
 std::string ProfilePath(std::string_view name, std::string_view windowsFolder) {
@@ -502,7 +444,8 @@ std::string Serialize(const Document& document) {
 }
 
 const Section* FindSection(const Document& document, std::string_view name) {
-  const std::string_view wanted = Trim(name);
+  const Asked asked(name);
+  const std::string_view wanted = Trim(asked);
   for (const Section& s : document.sections)
     if (SameName(s.name, wanted)) return &s;
   return nullptr;
@@ -531,8 +474,8 @@ std::uint32_t GetKeyList(const Document& document, std::string_view section, std
     cut = false;
   }
   const std::uint32_t ret = NarrowString(w, n, buffer, size);
-  // Windows (since Server 2003) ends a cut list with two NULs in the buffer's last two
-  // bytes; Wine, and older Windows, leave the last byte alone.
+  // Windows (since Server 2003) ends a cut list with a NUL in the buffer's last byte
+  // too; Wine, and older Windows, leave that byte alone.
   if (cut) buffer[size - 1] = 0;
   return ret;
 }
@@ -629,7 +572,8 @@ bool WriteString(Document& document, std::string_view section, std::string_view 
   return SetValue(document, section, key, value, false);
 }
 
-bool DeleteKey(Document& document, std::string_view section, std::string_view key) {
+bool DeleteKey(Document& document, std::string_view rawSection, std::string_view rawKey) {
+  const Asked section(rawSection), key(rawKey);
   for (Section& s : document.sections) {
     if (s.name.empty() || !SameName(s.name, section)) continue;
     for (auto it = s.entries.begin(); it != s.entries.end(); ++it) {
@@ -642,7 +586,8 @@ bool DeleteKey(Document& document, std::string_view section, std::string_view ke
   return false;
 }
 
-bool DeleteSection(Document& document, std::string_view section) {
+bool DeleteSection(Document& document, std::string_view rawSection) {
+  const Asked section(rawSection);
   for (auto it = document.sections.begin(); it != document.sections.end(); ++it) {
     if (SameName(it->name, section)) {
       document.sections.erase(it);
@@ -652,7 +597,8 @@ bool DeleteSection(Document& document, std::string_view section) {
   return false;
 }
 
-bool WriteSection(Document& document, std::string_view section, std::string_view body) {
+bool WriteSection(Document& document, std::string_view rawSection, std::string_view body) {
+  const Asked section(rawSection);
   bool changed = false;
   for (Section& s : document.sections) {
     if (!s.name.empty() && SameName(s.name, section)) {
@@ -698,18 +644,11 @@ bool WriteStruct(Document& document, std::string_view section, std::string_view 
 
 namespace {
 
-// A lone lead byte at the end would take the line end, "=" or "]" that follows it.
-bool CleanText(std::string_view s) {
-  for (char c : s)
+bool CleanText(std::string_view text) {
+  for (char c : text)
     if (c == '\r' || c == '\n') return false;
-  if (s.empty()) return true;
-  if (text::IsLeadByte(static_cast<unsigned char>(s.back()))) {
-    std::size_t pos = 0;
-    while (pos + 1 < s.size()) pos += text::CharLength(s, pos);
-    if (pos + 1 == s.size()) return false;
-  }
-  return !IsBlank(static_cast<unsigned char>(s.front())) &&
-         !IsBlank(static_cast<unsigned char>(s.back()));
+  return text.empty() || (!IsBlank(static_cast<unsigned char>(text.front())) &&
+                          !IsBlank(static_cast<unsigned char>(text.back())));
 }
 
 bool CleanName(std::string_view name) {

@@ -51,10 +51,9 @@ std::string EncodeFile(std::string_view text, bool utf16);
 // An empty `windowsFolder` leaves every name as it is.
 std::string ProfilePath(std::string_view name, std::string_view windowsFolder);
 
-// Code-page 936 text as the platform's conversion to UTF-16 and back leaves it: a
-// lead byte without a trail byte after it (a line end, a NUL, the end) becomes "?".
-std::string ReadAsCharacters(std::string_view bytes);
-
+// A lead byte without a trail byte after it (a line end, a NUL, the end) reads as
+// "?", as the platform's conversion to UTF-16 and back leaves it; so do the names
+// and values that the calls below are given.
 Document Parse(std::string_view bytes);
 // CR-LF lines, no blank lines; a section without a name gets no header.
 std::string Serialize(const Document& document);

@@ -83,6 +83,13 @@ port::Result SimHost::OpenViewRecord(port::ObjectId id, port::ViewRecord** recor
   return port::kOk;
 }
 
+port::Result SimHost::HasLayerStateManager(port::Database db, bool* exists) {
+  *exists = false;
+  SIM_DATABASE("DrawingDatabase::HasLayerStateManager");
+  *exists = c.hasLayerStateManager;
+  return port::kOk;
+}
+
 port::Result SimHost::LayerStatesDictionary(port::Database db, port::ObjectId* dictionary) {
   *dictionary = port::kNullObjectId;
   SIM_DATABASE("DrawingDatabase::LayerStatesDictionary");
@@ -105,6 +112,7 @@ port::Result SimHost::OpenDictionary(port::ObjectId id, port::Dictionary** dicti
 
 port::Result SimHost::RestoreLayerState(port::Database db, const char* name, long* acadStatus) {
   SIM_DATABASE("DrawingDatabase::RestoreLayerState");
+  if (!c.hasLayerStateManager) return Fail(port::kPointer, "No layer state manager.");
   *acadStatus = 3;  // eInvalidInput
   for (const std::string& s : c.layerStates)
     if (s == (name ? name : "")) *acadStatus = port::kAcadOk;

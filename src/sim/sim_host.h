@@ -197,7 +197,9 @@ class SimHost final : public port::HostSession,
   // The version string of a drawing file or description; empty for anything else.
   std::string VersionOfFile(const std::string& path) const;
   // A profile's registry root; an empty root: the profile manager gives none.
-  void SetProfileRegistryRoot(const std::string& profile, const std::string& root) { profileRoots_[profile] = root; }
+  void SetProfileRegistryRoot(const std::string& profile, const std::string& root) {
+    profileRoots_[profile] = root;
+  }
 
   // ---- used by the automation and sheet-set objects ----
   port::Result Enter(const char* call);  // counts the call, applies a planned fault
@@ -265,6 +267,7 @@ class SimHost final : public port::HostSession,
   port::Result TAVLET_PORT_CALL OpenViewTable(port::Database db, port::ViewTable** table) override;
   port::Result TAVLET_PORT_CALL OpenBlockRecord(port::ObjectId id, port::BlockRecord** record) override;
   port::Result TAVLET_PORT_CALL OpenViewRecord(port::ObjectId id, port::ViewRecord** record) override;
+  port::Result TAVLET_PORT_CALL HasLayerStateManager(port::Database db, bool* exists) override;
   port::Result TAVLET_PORT_CALL LayerStatesDictionary(port::Database db, port::ObjectId* dictionary) override;
   port::Result TAVLET_PORT_CALL OpenDictionary(port::ObjectId id, port::Dictionary** dictionary) override;
   port::Result TAVLET_PORT_CALL RestoreLayerState(port::Database db, const char* name, long* acadStatus) override;

@@ -4,8 +4,8 @@ namespace tavlet::sim {
 
 void SimShell::OpenWithShell(const std::string& path) { calls_.push_back("shell " + path); }
 
-bool SimShell::BrowseForFolder(port::Window owner, const std::string& title, const std::string& start,
-                               std::string& chosen) {
+bool SimShell::BrowseForFolder(port::Window owner, const std::string& title,
+                               const std::string& start, std::string& chosen) {
   calls_.push_back("browse " + title + " from " + start);
   lastOwner_ = owner;
   if (folders_.empty()) return false;

@@ -20,7 +20,9 @@ namespace tavlet::sim {
 class SimShell final : public operations::OperationShell {
  public:
   // A folder the next browse returns; std::nullopt is Cancel. An empty queue cancels.
-  void QueueFolderAnswer(std::optional<std::string> folder) { folders_.push_back(std::move(folder)); }
+  void QueueFolderAnswer(std::optional<std::string> folder) {
+    folders_.push_back(std::move(folder));
+  }
   // OK (true) or Cancel for the next plot dialog. An empty queue cancels.
   void QueuePlotDialogAnswer(bool ok) { plotAnswers_.push_back(ok); }
 

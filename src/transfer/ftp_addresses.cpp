@@ -9,7 +9,8 @@ namespace {
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 // A decimal number of at most `maxDigits` digits at `pos`; advances past it.
-bool ReadNumber(const std::string& text, std::size_t& pos, unsigned long maxValue, unsigned long& value) {
+bool ReadNumber(const std::string& text, std::size_t& pos, unsigned long maxValue,
+                unsigned long& value) {
   const std::size_t start = pos;
   value = 0;
   while (pos < text.size() && IsDigit(text[pos]) && pos - start < 6) {
@@ -61,11 +62,13 @@ std::string PortArgument(const NetAddress& address) {
   for (char& c : argument) {
     if (c == '.') c = ',';
   }
-  return argument + "," + std::to_string(address.port / 256) + "," + std::to_string(address.port % 256);
+  return argument + "," + std::to_string(address.port / 256) + "," +
+         std::to_string(address.port % 256);
 }
 
 std::string EprtArgument(const NetAddress& address) {
-  return std::string(address.IsV6() ? "|2|" : "|1|") + address.host + "|" + std::to_string(address.port) + "|";
+  return std::string(address.IsV6() ? "|2|" : "|1|") + address.host + "|" +
+         std::to_string(address.port) + "|";
 }
 
 bool ParsePwdReply(const std::string& text, std::string& folder) {

@@ -70,11 +70,13 @@ FtpError FtpClient::ReadReply(FtpReply& reply) {
         last_ = reply;
         return {};
       case FtpReplyParser::Result::Malformed: {
-        FtpError error = Fail(FtpErrorKind::BadReply, "malformed reply from the server: " + parser_.error());
+        FtpError error =
+            Fail(FtpErrorKind::BadReply, "malformed reply from the server: " + parser_.error());
         Drop();
         return error;
       }
-      case FtpReplyParser::Result::NeedMore: break;
+      case FtpReplyParser::Result::NeedMore:
+        break;
     }
     std::size_t got = 0;
     if (NetError e = control_->Receive(buffer, sizeof buffer, got); e != NetError::None) {
@@ -83,9 +85,10 @@ FtpError FtpClient::ReadReply(FtpReply& reply) {
       return error;
     }
     if (got == 0) {
-      FtpError error = Fail(FtpErrorKind::Closed,
-                            parser_.MidReply() ? "the server closed the connection in the middle of a reply"
-                                                  : "the server closed the connection");
+      FtpError error =
+          Fail(FtpErrorKind::Closed,
+               parser_.MidReply() ? "the server closed the connection in the middle of a reply"
+                                  : "the server closed the connection");
       Drop();
       return error;
     }
@@ -95,7 +98,8 @@ FtpError FtpClient::ReadReply(FtpReply& reply) {
 
 FtpError FtpClient::Unexpected(const std::string& verb, const FtpReply& reply) {
   const std::string what = verb + ": " + std::to_string(reply.code) + " " + FromWire(reply.Text());
-  if (reply.Class() == 4 || reply.Class() == 5) return Fail(FtpErrorKind::Refused, "refused: " + what, reply.code);
+  if (reply.Class() == 4 || reply.Class() == 5)
+    return Fail(FtpErrorKind::Refused, "refused: " + what, reply.code);
   return Fail(FtpErrorKind::BadReply, "unexpected reply to " + what, reply.code);
 }
 
@@ -109,9 +113,13 @@ FtpError FtpClient::Command(const std::string& verb, const std::string& argument
   return {};
 }
 
-std::string FtpClient::Wire(const std::string& name) const { return utf8_ ? text::ToUtf8(name) : name; }
+std::string FtpClient::Wire(const std::string& name) const {
+  return utf8_ ? text::ToUtf8(name) : name;
+}
 
-std::string FtpClient::FromWire(const std::string& text) const { return utf8_ ? text::FromUtf8(text) : text; }
+std::string FtpClient::FromWire(const std::string& text) const {
+  return utf8_ ? text::FromUtf8(text) : text;
+}
 
 bool FtpClient::ServerOffers(const std::string& feature) const {
   return std::find(features_.begin(), features_.end(), Upper(feature)) != features_.end();
@@ -120,7 +128,8 @@ bool FtpClient::ServerOffers(const std::string& feature) const {
 FtpError FtpClient::Connect(const std::string& host, std::uint16_t port) {
   Drop();
   std::unique_ptr<Socket> socket;
-  if (NetError e = network_.Connect(host, port, options.timeoutMilliseconds, socket); e != NetError::None) {
+  if (NetError e = network_.Connect(host, port, options.timeoutMilliseconds, socket);
+      e != NetError::None) {
     return NetFailure(e, "connecting to " + host + ":" + std::to_string(port));
   }
   control_ = std::move(socket);
@@ -145,11 +154,12 @@ FtpError FtpClient::Logon(const std::string& user, const std::string& password) 
     if (FtpError e = ReadReply(reply)) return e;
   }
   if (reply.code == 332) {
-    return Fail(FtpErrorKind::LogonFailed, "logon: the server asks for an account, which is not supported", 332);
+    return Fail(FtpErrorKind::LogonFailed,
+                "logon: the server asks for an account, which is not supported", 332);
   }
   if (reply.Class() == 4 || reply.Class() == 5) {
-    return Fail(FtpErrorKind::LogonFailed, "logon refused: " + std::to_string(reply.code) + " " + reply.Text(),
-                reply.code);
+    return Fail(FtpErrorKind::LogonFailed,
+                "logon refused: " + std::to_string(reply.code) + " " + reply.Text(), reply.code);
   }
   if (reply.Class() != 2) return Unexpected("logon", reply);
 
@@ -163,7 +173,8 @@ FtpError FtpClient::Logon(const std::string& user, const std::string& password) 
       const std::size_t start = line.find_first_not_of(' ');
       if (start == std::string::npos) continue;
       const std::size_t end = line.find(' ', start);
-      features_.push_back(Upper(line.substr(start, end == std::string::npos ? std::string::npos : end - start)));
+      features_.push_back(
+          Upper(line.substr(start, end == std::string::npos ? std::string::npos : end - start)));
     }
   }
   // A server that lists UTF8 takes UTF-8 names whether or not it answers OPTS.
@@ -175,14 +186,17 @@ FtpError FtpClient::Logon(const std::string& user, const std::string& password) 
   return Command("TYPE", "I", 2);
 }
 
-FtpError FtpClient::ChangeFolder(const std::string& remote) { return Command("CWD", Wire(remote), 2); }
+FtpError FtpClient::ChangeFolder(const std::string& remote) {
+  return Command("CWD", Wire(remote), 2);
+}
 
 FtpError FtpClient::CurrentFolder(std::string& remote) {
   FtpReply reply;
   if (FtpError e = Command("PWD", {}, 2, &reply)) return e;
   std::string folder;
   if (reply.code != 257 || !ParsePwdReply(reply.Text(), folder)) {
-    return Fail(FtpErrorKind::BadReply, "PWD: no quoted folder in \"" + reply.Text() + "\"", reply.code);
+    return Fail(FtpErrorKind::BadReply, "PWD: no quoted folder in \"" + reply.Text() + "\"",
+                reply.code);
   }
   remote = FromWire(folder);
   return {};
@@ -227,7 +241,8 @@ FtpError FtpClient::OpenPassive(std::unique_ptr<Socket>& data) {
     if (FtpError e = ReadReply(reply)) return e;
     if (reply.code == 229) {
       if (!ParseEpsvReply(reply.Text(), port)) {
-        return Fail(FtpErrorKind::BadReply, "EPSV: no port in \"" + reply.Text() + "\"", reply.code);
+        return Fail(FtpErrorKind::BadReply, "EPSV: no port in \"" + reply.Text() + "\"",
+                    reply.code);
       }
     } else if (reply.Class() == 5 && !control_->PeerAddress().IsV6()) {
       extended = false;
@@ -239,10 +254,12 @@ FtpError FtpClient::OpenPassive(std::unique_ptr<Socket>& data) {
     if (FtpError e = Command("PASV", {}, 2, &reply)) return e;
     std::string named;
     if (reply.code != 227 || !ParsePasvReply(reply.Text(), named, port)) {
-      return Fail(FtpErrorKind::BadReply, "PASV: no address in \"" + reply.Text() + "\"", reply.code);
+      return Fail(FtpErrorKind::BadReply, "PASV: no address in \"" + reply.Text() + "\"",
+                  reply.code);
     }
   }
-  if (NetError e = network_.Connect(host, port, options.timeoutMilliseconds, data); e != NetError::None) {
+  if (NetError e = network_.Connect(host, port, options.timeoutMilliseconds, data);
+      e != NetError::None) {
     return NetFailure(e, "opening the data connection to " + host + ":" + std::to_string(port));
   }
   return {};
@@ -257,7 +274,8 @@ FtpError FtpClient::StartTransfer(const std::string& verb, const std::string& ar
     if (FtpError e = OpenPassive(data)) return e;
   } else {
     const NetAddress local = control_->LocalAddress();
-    if (NetError e = network_.Listen(local.host, options.timeoutMilliseconds, listener); e != NetError::None) {
+    if (NetError e = network_.Listen(local.host, options.timeoutMilliseconds, listener);
+        e != NetError::None) {
       return NetFailure(e, "listening for the data connection on " + local.host);
     }
     const NetAddress address{local.host, listener->LocalAddress().port};
@@ -275,13 +293,19 @@ FtpError FtpClient::StartTransfer(const std::string& verb, const std::string& ar
     return Unexpected(Shown(verb, FromWire(argument)), reply);
   }
   if (listener) {
+    // The server has taken the command and will answer it once more; a session
+    // left here would read that answer as the reply to its next command.
     if (NetError e = listener->Accept(data); e != NetError::None) {
-      return NetFailure(e, verb + ": waiting for the server's data connection");
+      FtpError error = NetFailure(e, verb + ": waiting for the server's data connection");
+      Drop();
+      return error;
     }
     const std::string from = data->PeerAddress().host;
     if (from != control_->PeerAddress().host) {
       data.reset();
-      return Fail(FtpErrorKind::Network, verb + ": the data connection came from " + from + ", not from the server");
+      Drop();
+      return Fail(FtpErrorKind::Network,
+                  verb + ": the data connection came from " + from + ", not from the server");
     }
   }
   return {};
@@ -356,7 +380,8 @@ FtpError FtpClient::Download(const std::string& remote, const std::string& local
   for (;;) {
     std::size_t got = 0;
     if (NetError e = data->Receive(block_.data(), block_.size(), got); e != NetError::None) {
-      failure = NetFailure(e, "RETR " + remote + ": data connection failed after " + std::to_string(done) + " bytes");
+      failure = NetFailure(e, "RETR " + remote + ": data connection failed after " +
+                                  std::to_string(done) + " bytes");
       break;
     }
     if (got == 0) break;
@@ -378,10 +403,12 @@ FtpError FtpClient::Download(const std::string& remote, const std::string& local
     return discard(finish);
   }
   if (sized && done != expected) {
-    return discard(Fail(FtpErrorKind::Incomplete, "RETR " + remote + ": received " + std::to_string(done) +
-                                                      " of " + std::to_string(expected) + " bytes"));
+    return discard(Fail(FtpErrorKind::Incomplete, "RETR " + remote + ": received " +
+                                                      std::to_string(done) + " of " +
+                                                      std::to_string(expected) + " bytes"));
   }
-  if (!file->Close()) return discard(Fail(FtpErrorKind::LocalFile, "cannot write the local file " + part));
+  if (!file->Close())
+    return discard(Fail(FtpErrorKind::LocalFile, "cannot write the local file " + part));
   file.reset();
   if (!files_.Rename(part, local)) {
     return discard(Fail(FtpErrorKind::LocalFile, "cannot rename " + part + " to " + local));
@@ -406,7 +433,8 @@ FtpError FtpClient::Upload(const std::string& local, const std::string& remote) 
     }
     if (got == 0) break;
     if (NetError e = data->Send(block_.data(), got); e != NetError::None) {
-      failure = NetFailure(e, "STOR " + remote + ": data connection failed after " + std::to_string(done) + " bytes");
+      failure = NetFailure(e, "STOR " + remote + ": data connection failed after " +
+                                  std::to_string(done) + " bytes");
       break;
     }
     done += got;

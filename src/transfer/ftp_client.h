@@ -27,7 +27,7 @@ namespace tavlet::transfer {
 
 enum class FtpErrorKind {
   None,
-  Network,      // could not connect, or the connection failed
+  Network,  // could not connect, or the connection failed
   TimedOut,
   Closed,       // the server closed the connection
   BadReply,     // a reply that is not FTP, or not one this command can get
@@ -42,8 +42,8 @@ enum class FtpErrorKind {
 
 struct FtpError {
   FtpErrorKind kind = FtpErrorKind::None;
-  int replyCode = 0;      // the server's code, when a reply is the cause
-  std::string message;    // one line, English, for a console or a log
+  int replyCode = 0;    // the server's code, when a reply is the cause
+  std::string message;  // one line, English, for a console or a log
   explicit operator bool() const { return kind != FtpErrorKind::None; }
 };
 
@@ -51,7 +51,7 @@ enum class TransferMode { Passive, Active };
 
 struct FtpOptions {
   TransferMode mode = TransferMode::Passive;
-  bool useEpsv = true;          // when the server lists it in FEAT
+  bool useEpsv = true;  // when the server lists it in FEAT
   int timeoutMilliseconds = 30000;
   std::size_t blockSize = 256 * 1024;
 };
@@ -100,7 +100,8 @@ class FtpClient {
   class DataChannel;
   // Opens the data channel as the mode says and sends `verb`; on success the
   // preliminary reply has been read and `data` is connected.
-  FtpError StartTransfer(const std::string& verb, const std::string& argument, std::unique_ptr<Socket>& data);
+  FtpError StartTransfer(const std::string& verb, const std::string& argument,
+                         std::unique_ptr<Socket>& data);
   FtpError OpenPassive(std::unique_ptr<Socket>& data);
   FtpError FinishTransfer(const std::string& verb);
   std::string Wire(const std::string& name) const;

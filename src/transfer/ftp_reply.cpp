@@ -79,7 +79,8 @@ FtpReplyParser::Result FtpReplyParser::Next(FtpReply& reply) {
     if (!inReply_) {
       const int code = CodeOf(line);
       const char mark = line.size() > 3 ? line[3] : ' ';
-      if (code < 0 || (mark != ' ' && mark != '-')) return Fail("not an FTP reply: \"" + Printable(line) + "\"");
+      if (code < 0 || (mark != ' ' && mark != '-'))
+        return Fail("not an FTP reply: \"" + Printable(line) + "\"");
       partial_ = FtpReply{code, {std::move(line)}};
       if (mark == ' ') {
         reply = std::move(partial_);

@@ -20,7 +20,9 @@ class StdioFile final : public LocalFile {
     got = std::fread(buffer, 1, capacity, file_);
     return got > 0 || !std::ferror(file_);
   }
-  bool Write(const char* data, std::size_t size) override { return std::fwrite(data, 1, size, file_) == size; }
+  bool Write(const char* data, std::size_t size) override {
+    return std::fwrite(data, 1, size, file_) == size;
+  }
   bool Close() override {
     const bool ok = std::fflush(file_) == 0 && !std::ferror(file_);
     const bool closed = std::fclose(file_) == 0;
@@ -37,7 +39,9 @@ class NativeFiles final : public LocalFiles {
   std::unique_ptr<LocalFile> OpenRead(const std::string& path) override { return Open(path, "rb"); }
   std::unique_ptr<LocalFile> Create(const std::string& path) override { return Open(path, "wb"); }
   bool Exists(const std::string& path) override { return NativeFileSystem().Stat(path).exists; }
-  bool Remove(const std::string& path) override { return NativeFileSystem().Remove(path) == FileError::None; }
+  bool Remove(const std::string& path) override {
+    return NativeFileSystem().Remove(path) == FileError::None;
+  }
   bool Rename(const std::string& from, const std::string& to) override {
     return NativeFileSystem().Rename(from, to) == FileError::None;
   }

@@ -163,6 +163,21 @@ std::vector<Walk> Walks() {
          EXPECT_TRUE(layout == "A1" || layout == "A2" || layout.empty()) << layout;
          EXPECT_TRUE(got[1][0] == layout || got[1][0].empty()) << got[1][0];
        }},
+      {"RestoreLayerState",
+       [](SimDrawing& d) {
+         std::optional<long> status = RestoreLayerState(d.host, d.doc, d.db, "S2");
+         return Outcome{{status ? std::to_string(*status) : "none"}, d.host.Find(d.doc)->actions};
+       },
+       [](const Outcome& got, const Outcome& clean, const std::string& call) {
+         // Refused without the lock; not asked when the manager can't be.
+         const std::string want = call == "DocManager::LockDocument" ? "83"
+                                  : call == "DrawingDatabase::HasLayerStateManager" ||
+                                          call == "DrawingDatabase::RestoreLayerState"
+                                      ? "none"
+                                      : clean[0][0];
+         EXPECT_EQ(got[0][0], want);
+         EXPECT_EQ(got[1], want == "0" ? clean[1] : std::vector<std::string>{});
+       }},
   };
 }
 

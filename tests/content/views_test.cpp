@@ -188,5 +188,13 @@ TEST(RestoreLayerState, RunsUnderTheLockAndLeavesTheDrawingUnlocked) {
   EXPECT_EQ(d.host.Faults().Count("DocManager::UnlockDocument"), 3);
 }
 
+TEST(RestoreLayerState, WithoutAManagerNothingIsLockedOrAsked) {
+  SimDrawing d("layer-state \"P\"\nno-layer-state-manager\n");
+  EXPECT_EQ(RestoreLayerState(d.host, d.doc, d.db, "P"), std::nullopt);
+  EXPECT_EQ(RestoreLayerState(d.host, d.doc, nullptr, "P"), std::nullopt);
+  EXPECT_EQ(d.host.Faults().Count("DocManager::LockDocument"), 0);
+  EXPECT_EQ(d.host.Faults().Count("DrawingDatabase::RestoreLayerState"), 0);
+}
+
 }  // namespace
 }  // namespace tavlet::content

@@ -8,8 +8,9 @@ namespace {
 using BatchTest = OpsFixture;
 
 TEST_F(BatchTest, SaveAllSavesFromTheLastToTheFirstAndReturnsToTheActiveDrawing) {
-  std::vector<port::Document> docs = OpenMany(
-      {"dbmod 1\n", "read-only yes\ndbmod 1\n", "layout \"A1\"\nactive-layout \"A1\"\ncvport 3\ndbmod 1\n", "dbmod 1\n"});
+  std::vector<port::Document> docs =
+      OpenMany({"dbmod 1\n", "read-only yes\ndbmod 1\n",
+                "layout \"A1\"\nactive-layout \"A1\"\ncvport 3\ndbmod 1\n", "dbmod 1\n"});
   host.Activate(docs[1]);
   Ops();
   host.Faults().ClearLog();
@@ -20,7 +21,8 @@ TEST_F(BatchTest, SaveAllSavesFromTheLastToTheFirstAndReturnsToTheActiveDrawing)
   ASSERT_GE(log.size(), 3u);
   EXPECT_EQ(log[0], "Editor::ModelessOperationStart");
   EXPECT_EQ(log[1], "Editor::ModelessOperationEnded");
-  EXPECT_EQ(TranscriptLines(), (Lines{"Command: _.QSAVE", "Command: _.PSPACE", "Command: _.QSAVE", "Command: _.QSAVE"}));
+  EXPECT_EQ(TranscriptLines(), (Lines{"Command: _.QSAVE", "Command: _.PSPACE", "Command: _.QSAVE",
+                                      "Command: _.QSAVE"}));
   EXPECT_EQ(Dbmod(docs[0]), 0);
   EXPECT_EQ(Dbmod(docs[1]), 1);  // read-only: untouched
   EXPECT_EQ(Dbmod(docs[2]), 0);
@@ -40,8 +42,18 @@ TEST_F(BatchTest, SaveAllGoesOnPastAFailedSaveButNotPastAFailedWalk) {
     bool backToActive;
   };
   const std::vector<Case> cases = {
-      {"the second save fails", "AcadDocument::SendCommand", 2, {"错误 [0x80004005]\nbusy"}, {0, 1, 0}, true},
-      {"the second Item fails", "AcadDocuments::Item", 2, {"错误 [0x80004005]\nbusy"}, {1, 1, 0}, false},
+      {"the second save fails",
+       "AcadDocument::SendCommand",
+       2,
+       {"错误 [0x80004005]\nbusy"},
+       {0, 1, 0},
+       true},
+      {"the second Item fails",
+       "AcadDocuments::Item",
+       2,
+       {"错误 [0x80004005]\nbusy"},
+       {1, 1, 0},
+       false},
       {"Count fails", "AcadDocuments::Count", 1, {"错误 [0x80004005]\nbusy"}, {1, 1, 1}, true},
       {"a host exception in a save", "AcadDocument::Activate", 1, {}, {0, 0, 1}, true},
   };
@@ -52,11 +64,13 @@ TEST_F(BatchTest, SaveAllGoesOnPastAFailedSaveButNotPastAFailedWalk) {
     std::vector<port::Document> docs = e.OpenMany({"dbmod 1\n", "dbmod 1\n", "dbmod 1\n"});
     e.host.Activate(docs[0]);
     const bool hostException = std::string(c.what).find("exception") != std::string::npos;
-    e.host.Faults().Fail(c.call, c.occurrence, hostException ? port::kHostException : port::kFail, "busy");
+    e.host.Faults().Fail(c.call, c.occurrence, hostException ? port::kHostException : port::kFail,
+                         "busy");
     ops.OnSaveAll();
     EXPECT_EQ(e.BoxTexts(), c.boxes);
     if (hostException) {
-      EXPECT_EQ(e.host.Transcript(), "未知的错误在 MvTavlet::OnSaveAll()!\nCommand: _.QSAVE\nCommand: _.QSAVE\n");
+      EXPECT_EQ(e.host.Transcript(),
+                "未知的错误在 MvTavlet::OnSaveAll()!\nCommand: _.QSAVE\nCommand: _.QSAVE\n");
     }
     for (std::size_t i = 0; i < docs.size(); ++i) EXPECT_EQ(e.Dbmod(docs[i]), c.dbmods[i]) << i;
     EXPECT_EQ(e.host.MdiActive() == docs[0], c.backToActive);
@@ -94,8 +108,10 @@ TEST_F(BatchTest, SaveAndCloseAllLeavesChangesAFailedSaveLeftToTheHost) {
   host.QueueBoxAnswer(port::kAnswerNo);
   Ops().OnSaveAndCloseAll();
   EXPECT_EQ(host.Notices(), (Lines{"start TL_SaveAndCloseAll", "ended TL_SaveAndCloseAll"}));
-  EXPECT_EQ(host.SentCommands(), (Lines{"_.QSAVE\n", "_.QSAVE\n"}));  // the new drawing, then the first
-  EXPECT_EQ(BoxTexts(), (Lines{"Save changes to Drawing1.dwg?", "Save changes to " + PathOf(2) + "?"}));
+  EXPECT_EQ(host.SentCommands(),
+            (Lines{"_.QSAVE\n", "_.QSAVE\n"}));  // the new drawing, then the first
+  EXPECT_EQ(BoxTexts(),
+            (Lines{"Save changes to Drawing1.dwg?", "Save changes to " + PathOf(2) + "?"}));
   EXPECT_FALSE(IsOpen(fresh));
   EXPECT_EQ(StillOpen(docs), Lines{});
   EXPECT_FALSE(host.QuitRequested());
@@ -168,16 +184,24 @@ TEST_F(BatchTest, QuickPlotAllPlotsInTheForegroundAndRestoresBackgroundPlot) {
   };
   const std::string fileA = PathOf(1), fileB = PathOf(2), fileC = PathOf(3);
   const std::vector<Case> cases = {
-      {"every plot goes through", 0, {fileC + " Model bg 0", fileB + " A1 bg 0", fileA + " Model bg 0"}, {}},
-      {"the second plot fails", 2, {fileC + " Model bg 0", fileA + " Model bg 0"}, {"错误 [0x80004005]\nno plotter"}},
+      {"every plot goes through",
+       0,
+       {fileC + " Model bg 0", fileB + " A1 bg 0", fileA + " Model bg 0"},
+       {}},
+      {"the second plot fails",
+       2,
+       {fileC + " Model bg 0", fileA + " Model bg 0"},
+       {"错误 [0x80004005]\nno plotter"}},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
     Environment e;
     DrawingOperations ops(e.Services());
-    std::vector<port::Document> docs = e.OpenMany({"", "layout \"A1\"\nactive-layout \"A1\"\n", ""});
+    std::vector<port::Document> docs =
+        e.OpenMany({"", "layout \"A1\"\nactive-layout \"A1\"\n", ""});
     e.host.Activate(docs[0]);
-    if (c.failingPlot) e.host.Faults().Fail("AcadPlot::PlotToDevice", c.failingPlot, port::kFail, "no plotter");
+    if (c.failingPlot)
+      e.host.Faults().Fail("AcadPlot::PlotToDevice", c.failingPlot, port::kFail, "no plotter");
     ops.OnQuickPlotAll();
     EXPECT_EQ(e.PlotsMade(), c.plots);
     EXPECT_EQ(e.BoxTexts(), c.boxes);
@@ -208,9 +232,10 @@ TEST_F(BatchTest, PlotAllWaitsForTheDialogsOk) {
   EXPECT_EQ(PlotsMade(), (Lines{PathOf(2) + " Model bg 2", PathOf(1) + " Model bg 2"}));
   EXPECT_EQ(shell.Calls(), (Lines{"plot dialog", "plot dialog"}));
   EXPECT_EQ(shell.LastOwner(), bar);
-  EXPECT_EQ(windows.LogOf("resources"), (Lines{"resources module", "resources restored", "resources module",
-                                               "resources restored"}));
-  EXPECT_EQ(host.Notices(), (Lines{"start TL_PlotAll", "ended TL_PlotAll", "start TL_PlotAll", "ended TL_PlotAll"}));
+  EXPECT_EQ(windows.LogOf("resources"), (Lines{"resources module", "resources restored",
+                                               "resources module", "resources restored"}));
+  EXPECT_EQ(host.Notices(), (Lines{"start TL_PlotAll", "ended TL_PlotAll", "start TL_PlotAll",
+                                   "ended TL_PlotAll"}));
 }
 
 TEST_F(BatchTest, PlotSetupAndPlotActOnTheContextDrawingOnly) {
@@ -252,8 +277,8 @@ TEST_F(BatchTest, WithoutTheApplicationEveryHandlerEndsInTheErrorBox) {
   ops.OnSaveAndCloseAll();
   Lines boxes = BoxTexts();
   ASSERT_EQ(boxes.size(), 5u);
-  EXPECT_EQ(boxes, (Lines{"错误 [0x80004003]\n", "错误 [0x80004003]\n", "放弃任何改动?", "错误 [0x80004003]\n",
-                          "错误 [0x80004003]\n"}));
+  EXPECT_EQ(boxes, (Lines{"错误 [0x80004003]\n", "错误 [0x80004003]\n", "放弃任何改动?",
+                          "错误 [0x80004003]\n", "错误 [0x80004003]\n"}));
   EXPECT_EQ(host.OpenDocuments().size(), 1u);
 }
 

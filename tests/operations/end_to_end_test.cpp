@@ -26,15 +26,17 @@ TEST(EndToEnd, SaveAllBringsEveryDrawingBackUnmodifiedAndRepaintsTheBar) {
   ASSERT_EQ(tabTexts(), (Lines{"* a", "* b", "* c"}));
 
   sim::SimShell shell;
-  DrawingOperations ops(OperationServices{h.host, host::GetAcadApplication(h.host), h.windows, h.store, h.files,
-                                          bar.RecentFiles(), shell, nullptr, bar.Window()});
+  DrawingOperations ops(OperationServices{h.host, host::GetAcadApplication(h.host), h.windows,
+                                          h.store, h.files, bar.RecentFiles(), shell, nullptr,
+                                          bar.Window()});
   h.windows.ClearLog();
   ops.OnSaveAll();
 
   EXPECT_EQ(tabTexts(), (Lines{"a", "b", "c"}));
   for (const auto& entry : bar.Strip().Entries()) EXPECT_FALSE(entry->modified) << entry->path.Full;
   EXPECT_EQ(h.host.MdiActive(), docs[1]);
-  EXPECT_EQ(bar.Strip().Entries().at(static_cast<std::size_t>(bar.Strip().ActiveIndex()))->document, docs[1]);
+  EXPECT_EQ(bar.Strip().Entries().at(static_cast<std::size_t>(bar.Strip().ActiveIndex()))->document,
+            docs[1]);
   EXPECT_EQ(h.windows.LogOf("RedrawWindow MvTavlet"), (Lines{"RedrawWindow MvTavlet 0x105"}));
   // The saves went through the host's own command, last opened first.
   EXPECT_EQ(h.host.SentCommands(), (Lines{"_.QSAVE\n", "_.QSAVE\n", "_.QSAVE\n"}));

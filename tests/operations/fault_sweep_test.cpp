@@ -44,7 +44,7 @@ struct World : Environment {
 // Where one injected call stands in the clean run.
 struct Injection {
   std::string call;
-  int occurrence = 0;       // of that call within the run
+  int occurrence = 0;        // of that call within the run
   std::size_t position = 0;  // in the clean run's log
   const Lines* cleanLog = nullptr;
   // Position of the first `call` at or after `from` in the clean log; npos if none.
@@ -59,7 +59,7 @@ struct Operation {
   const char* name;
   std::function<void(World&)> prepare;  // answers and state, after the drawings are open
   std::function<void(World&)> run;
-  std::set<std::string> lines;           // the lines a failure that is no COM error may print
+  std::set<std::string> lines;  // the lines a failure that is no COM error may print
   // A failure the operation lets go by design: no box, no line.
   std::function<bool(const Injection&)> silent = [](const Injection&) { return false; };
   // What the batch did after the failure.
@@ -72,7 +72,8 @@ bool IsNotice(const Injection& i) {
 }
 
 bool IsWalkCall(const std::string& call) {
-  return call == "AcadApplication::Documents" || call == "AcadDocuments::Count" || call == "AcadDocuments::Item";
+  return call == "AcadApplication::Documents" || call == "AcadDocuments::Count" ||
+         call == "AcadDocuments::Item";
 }
 
 void QueueYes(World& w, int count) {
@@ -88,8 +89,9 @@ bool HostsOwnQuestion(const Injection& i) { return IsNotice(i) || i.call == "Mes
 
 // The batches of plots let every failure go but those of a plot itself.
 bool OutsideAPlot(const Injection& i) {
-  static const std::set<std::string> plotCalls = {"AcadDocument::ActiveLayout", "AcadLayout::RefreshPlotDeviceInfo",
-                                                   "AcadDocument::Plot", "AcadPlot::PlotToDevice"};
+  static const std::set<std::string> plotCalls = {"AcadDocument::ActiveLayout",
+                                                  "AcadLayout::RefreshPlotDeviceInfo",
+                                                  "AcadDocument::Plot", "AcadPlot::PlotToDevice"};
   return !plotCalls.count(i.call);
 }
 
@@ -97,26 +99,43 @@ std::vector<Operation> Operations() {
   using namespace lines;
   return {
       {"SaveDrawing", [](World&) {}, [](World& w) { w.ops->SaveDrawing(w.target); }, {SaveAll}},
-      {"CloseDrawing", [](World& w) { QueueYes(w, 1); },
-       [](World& w) { w.ops->CloseDrawing(w.target); }, {CloseDrawing, SaveAll}, IsNotice,
+      {"CloseDrawing",
+       [](World& w) { QueueYes(w, 1); },
+       [](World& w) { w.ops->CloseDrawing(w.target); },
+       {CloseDrawing, SaveAll},
+       IsNotice,
        [](World& w, const Injection& i) {
          // A drawing whose question or save failed is kept with its changes.
          if (!w.host.Find(w.docs[2])->closed && i.call != "AcadDocument::Close") {
            EXPECT_EQ(w.host.Find(w.docs[2])->dbmod, 1);
          }
        }},
-      {"OnClose", [](World& w) { QueueYes(w, 1); }, [](World& w) { w.ops->OnClose(); },
-       {Close, CloseDrawing, SaveAll}, IsNotice},
-      {"OpenFile", [](World&) {},
-       [](World& w) { w.ops->OpenFile(DrawingPath("C:\\dwg\\new.dwg", w.files), true, true); }, {OpenFile},
+      {"OnClose",
+       [](World& w) { QueueYes(w, 1); },
+       [](World& w) { w.ops->OnClose(); },
+       {Close, CloseDrawing, SaveAll},
+       IsNotice},
+      {"OpenFile",
+       [](World&) {},
+       [](World& w) { w.ops->OpenFile(DrawingPath("C:\\dwg\\new.dwg", w.files), true, true); },
+       {OpenFile},
        // The look for an open drawing of that path gives up silently and the open goes on.
        [](const Injection& i) { return i.position < i.Find("AcadDocuments::Open") - 1; }},
-      {"OpenLastDrawing", [](World& w) { w.recent.AddRecentFile("C:\\dwg\\new.dwg"); },
-       [](World& w) { w.ops->OpenLastDrawing(); }, {OpenFile},
+      {"OpenLastDrawing",
+       [](World& w) { w.recent.AddRecentFile("C:\\dwg\\new.dwg"); },
+       [](World& w) { w.ops->OpenLastDrawing(); },
+       {OpenFile},
        [](const Injection& i) { return i.position < i.Find("AcadDocuments::Open") - 1; }},
-      {"OnNewDrawing", [](World&) {}, [](World& w) { w.ops->OnNewDrawing(); }, {},
+      {"OnNewDrawing",
+       [](World&) {},
+       [](World& w) { w.ops->OnNewDrawing(); },
+       {},
        [](const Injection&) { return true; }},
-      {"OnSaveAll", [](World&) {}, [](World& w) { w.ops->OnSaveAll(); }, {SaveAll}, IsNotice,
+      {"OnSaveAll",
+       [](World&) {},
+       [](World& w) { w.ops->OnSaveAll(); },
+       {SaveAll},
+       IsNotice,
        [](World& w, const Injection& i) {
          EXPECT_EQ(w.windows.LogOf("RedrawWindow"), (Lines{"RedrawWindow MvTavlet 0x105"}));
          // A failed save leaves its drawing alone and the walk goes on; a failed walk stops it.
@@ -124,8 +143,11 @@ std::vector<Operation> Operations() {
            EXPECT_LE(w.Modified(), 1);
          }
        }},
-      {"OnCloseAll", [](World& w) { QueueYes(w, 3); }, [](World& w) { w.ops->OnCloseAll(); },
-       {CloseAll, CloseDrawing, SaveAll}, IsNotice,
+      {"OnCloseAll",
+       [](World& w) { QueueYes(w, 3); },
+       [](World& w) { w.ops->OnCloseAll(); },
+       {CloseAll, CloseDrawing, SaveAll},
+       IsNotice,
        [](World& w, const Injection& i) {
          if (IsNotice(i)) return;
          // The walk runs from the last drawing and ends at the first failure: the
@@ -136,8 +158,11 @@ std::vector<Operation> Operations() {
            }
          EXPECT_FALSE(w.host.Find(w.docs[0])->closed);
        }},
-      {"OnSaveAndCloseAll", [](World& w) { QueueNo(w, 3); }, [](World& w) { w.ops->OnSaveAndCloseAll(); },
-       {SaveAndCloseAll, SaveAll}, HostsOwnQuestion,
+      {"OnSaveAndCloseAll",
+       [](World& w) { QueueNo(w, 3); },
+       [](World& w) { w.ops->OnSaveAndCloseAll(); },
+       {SaveAndCloseAll, SaveAll},
+       HostsOwnQuestion,
        [](World& w, const Injection& i) {
          // Only a failure of the walk or of Close stops it; a failed save is closed all the same
          // (the host's own question, answered Cancel here, keeps it).
@@ -146,25 +171,38 @@ std::vector<Operation> Operations() {
          }
          EXPECT_FALSE(w.host.QuitRequested());
        }},
-      {"OnCloseAllNoSave", [](World& w) { QueueYes(w, 1); }, [](World& w) { w.ops->OnCloseAllNoSave(); },
-       {CloseAllNoSave}, IsNotice,
+      {"OnCloseAllNoSave",
+       [](World& w) { QueueYes(w, 1); },
+       [](World& w) { w.ops->OnCloseAllNoSave(); },
+       {CloseAllNoSave},
+       IsNotice,
        [](World& w, const Injection&) { EXPECT_GE(w.OpenCount(), 1); }},
-      {"OnExitSaveAll", [](World& w) { QueueNo(w, 3); }, [](World& w) { w.ops->OnExitSaveAll(); },
-       {ExitSaveAll, SaveAll}, HostsOwnQuestion,
+      {"OnExitSaveAll",
+       [](World& w) { QueueNo(w, 3); },
+       [](World& w) { w.ops->OnExitSaveAll(); },
+       {ExitSaveAll, SaveAll},
+       HostsOwnQuestion,
        [](World& w, const Injection& i) {
-         const bool stops =
-             IsWalkCall(i.call) || i.call == "AcadDocument::Close" || i.call == "AcadApplication::Quit";
+         const bool stops = IsWalkCall(i.call) || i.call == "AcadDocument::Close" ||
+                            i.call == "AcadApplication::Quit";
          EXPECT_EQ(w.host.QuitRequested(), !stops);
        }},
-      {"OnExitNoSave", [](World& w) { QueueYes(w, 1); }, [](World& w) { w.ops->OnExitNoSave(); },
-       {CloseAllNoSave}, IsNotice,
+      {"OnExitNoSave",
+       [](World& w) { QueueYes(w, 1); },
+       [](World& w) { w.ops->OnExitNoSave(); },
+       {CloseAllNoSave},
+       IsNotice,
        [](World& w, const Injection& i) {
          EXPECT_EQ(w.host.QuitRequested(), IsNotice(i));
          // Hidden once the question was answered and the frame found; never shown again.
          const bool hidden = IsNotice(i) || i.position > i.Find("FrameWindows::MainFrame");
          EXPECT_EQ(w.windows.Find(w.host.WindowNamed("frame"))->visible, !hidden);
        }},
-      {"OnQuickPlotAll", [](World&) {}, [](World& w) { w.ops->OnQuickPlotAll(); }, {Close}, OutsideAPlot,
+      {"OnQuickPlotAll",
+       [](World&) {},
+       [](World& w) { w.ops->OnQuickPlotAll(); },
+       {Close},
+       OutsideAPlot,
        [](World& w, const Injection& i) {
          port::Value v;
          w.host.EditorService()->GetVariable("BACKGROUNDPLOT", &v, nullptr);
@@ -177,24 +215,34 @@ std::vector<Operation> Operations() {
            EXPECT_EQ(w.host.Plots().size(), 2u);
          }
        }},
-      {"OnPlotAll", [](World& w) { w.shell.QueuePlotDialogAnswer(true); }, [](World& w) { w.ops->OnPlotAll(); },
-       {Close}, OutsideAPlot,
+      {"OnPlotAll",
+       [](World& w) { w.shell.QueuePlotDialogAnswer(true); },
+       [](World& w) { w.ops->OnPlotAll(); },
+       {Close},
+       OutsideAPlot,
        [](World& w, const Injection& i) {
          if (!OutsideAPlot(i)) {
            EXPECT_EQ(w.host.Plots().size(), 2u);
          }
        }},
       {"OnPlot", [](World&) {}, [](World& w) { w.ops->OnPlot(); }, {Close}, IsNotice},
-      {"OnSaveView", [](World& w) { w.host.QueueStringAnswer(port::kRtNormal, "v"); },
-       [](World& w) { w.ops->OnSaveView(); }, {SaveView}, IsNotice,
+      {"OnSaveView",
+       [](World& w) { w.host.QueueStringAnswer(port::kRtNormal, "v"); },
+       [](World& w) { w.ops->OnSaveView(); },
+       {SaveView},
+       IsNotice,
        [](World& w, const Injection& i) { EXPECT_EQ(w.layouts.written.empty(), !IsNotice(i)); }},
       {"OnChangeTemplatePath",
        [](World& w) { w.shell.QueueFolderAnswer(std::string("D:\\t")); },
-       [](World& w) { w.ops->OnChangeTemplatePath(); }, {}, [](const Injection&) { return true; }},
+       [](World& w) { w.ops->OnChangeTemplatePath(); },
+       {},
+       [](const Injection&) { return true; }},
   };
 }
 
-std::string Kind(bool hostException) { return hostException ? "host exception" : "automation error"; }
+std::string Kind(bool hostException) {
+  return hostException ? "host exception" : "automation error";
+}
 
 TEST(FaultSweep, EveryHostCallOfEveryOperationFailsOneAtATime) {
   int runs = 0;
@@ -217,7 +265,8 @@ TEST(FaultSweep, EveryHostCallOfEveryOperationFailsOneAtATime) {
     for (std::size_t position = 0; position < clean.size(); ++position) {
       Injection injection{clean[position], ++seen[clean[position]], position, &clean};
       for (bool hostException : {false, true}) {
-        SCOPED_TRACE(injection.call + " #" + std::to_string(injection.occurrence) + " " + Kind(hostException));
+        SCOPED_TRACE(injection.call + " #" + std::to_string(injection.occurrence) + " " +
+                     Kind(hostException));
         World w;
         op.prepare(w);
         const std::size_t boxesBefore = w.host.ShownBoxes().size();

@@ -24,13 +24,34 @@ TEST_F(SaveTest, ZoomRulesComeBeforeTheSaveCommand) {
   };
   const std::string layout = "layout \"A1\"\nactive-layout \"A1\"\ndbmod 2\n";
   const std::vector<Case> cases = {
-      {"model space zooms to its extents", "dbmod 2\n", 1, {"Command: _.QSAVE"}, {"zoom extents"}, 2, 0},
-      {"a layout with a floating viewport active goes to paper space first", layout + "cvport 3\n", 1,
-       {"Command: _.PSPACE", "Command: _.QSAVE"}, {"zoom all"}, 1, 0},
-      {"a layout in paper space is zoomed to its sheet only", layout + "cvport 1\n", 1, {"Command: _.QSAVE"},
-       {"zoom all"}, 1, 0},
-      {"ZoomExtentsOnSave 0: no zoom and no change of space", layout + "cvport 3\n", 0, {"Command: _.QSAVE"}, {},
-       3, 0},
+      {"model space zooms to its extents",
+       "dbmod 2\n",
+       1,
+       {"Command: _.QSAVE"},
+       {"zoom extents"},
+       2,
+       0},
+      {"a layout with a floating viewport active goes to paper space first",
+       layout + "cvport 3\n",
+       1,
+       {"Command: _.PSPACE", "Command: _.QSAVE"},
+       {"zoom all"},
+       1,
+       0},
+      {"a layout in paper space is zoomed to its sheet only",
+       layout + "cvport 1\n",
+       1,
+       {"Command: _.QSAVE"},
+       {"zoom all"},
+       1,
+       0},
+      {"ZoomExtentsOnSave 0: no zoom and no change of space",
+       layout + "cvport 3\n",
+       0,
+       {"Command: _.QSAVE"},
+       {},
+       3,
+       0},
       {"a read-only drawing is left alone, silently", "read-only yes\ndbmod 4\n", 1, {}, {}, 2, 4},
   };
   for (const Case& c : cases) {
@@ -50,7 +71,8 @@ TEST_F(SaveTest, ZoomRulesComeBeforeTheSaveCommand) {
     // The zoom is asked for before the save is sent.
     Lines zoomAndSend;
     for (const std::string& call : e.host.Faults().Log())
-      if (call.find("Zoom") != std::string::npos || call == "AcadDocument::SendCommand") zoomAndSend.push_back(call);
+      if (call.find("Zoom") != std::string::npos || call == "AcadDocument::SendCommand")
+        zoomAndSend.push_back(call);
     if (!c.actions.empty()) {
       ASSERT_GE(zoomAndSend.size(), 2u);
       EXPECT_EQ(zoomAndSend.back(), "AcadDocument::SendCommand");
@@ -84,10 +106,30 @@ TEST_F(CloseTest, AsksAboutChangesOnlyOfAWritableModifiedDrawing) {
   };
   const std::vector<Case> cases = {
       {"unmodified: no question", "", {}, {}, true, {}},
-      {"Yes saves, then closes", "dbmod 1\n", {port::kAnswerYes}, {"Save changes to 1?"}, true, {"_.QSAVE\n"}},
-      {"No closes without saving", "dbmod 1\n", {port::kAnswerNo}, {"Save changes to 1?"}, true, {}},
-      {"Cancel keeps it open", "dbmod 1\n", {port::kAnswerCancel}, {"Save changes to 1?"}, false, {}},
-      {"read-only closes with no question whatever DBMOD says", "read-only yes\ndbmod 3\n", {}, {}, true, {}},
+      {"Yes saves, then closes",
+       "dbmod 1\n",
+       {port::kAnswerYes},
+       {"Save changes to 1?"},
+       true,
+       {"_.QSAVE\n"}},
+      {"No closes without saving",
+       "dbmod 1\n",
+       {port::kAnswerNo},
+       {"Save changes to 1?"},
+       true,
+       {}},
+      {"Cancel keeps it open",
+       "dbmod 1\n",
+       {port::kAnswerCancel},
+       {"Save changes to 1?"},
+       false,
+       {}},
+      {"read-only closes with no question whatever DBMOD says",
+       "read-only yes\ndbmod 3\n",
+       {},
+       {},
+       true,
+       {}},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
@@ -247,11 +289,14 @@ TEST_F(OpenTest, RecentEntriesCarryTheReadOnlyFlag) {
       {"flag 0 opens for writing", "C:\\dwg\\b.dwg,0", "C:\\dwg\\b.dwg", false, {}},
       {"flag 2 opens for writing", "C:\\dwg\\c.dwg,2", "C:\\dwg\\c.dwg", false, {}},
       {"no flag", "C:\\dwg\\d.dwg", "C:\\dwg\\d.dwg", false, {}},
-      {"a comma in the path with no flag loses its tail", "C:\\dwg\\e,f.dwg", "", false,
+      {"a comma in the path with no flag loses its tail",
+       "C:\\dwg\\e,f.dwg",
+       "",
+       false,
        {"指定路径的文件不存在 -\nC:\\dwg\\e"}},
   };
-  for (const char* path : {"C:\\dwg\\a.dwg", "C:\\dwg\\b.dwg", "C:\\dwg\\c.dwg", "C:\\dwg\\d.dwg",
-                           "C:\\dwg\\e,f.dwg"})
+  for (const char* path :
+       {"C:\\dwg\\a.dwg", "C:\\dwg\\b.dwg", "C:\\dwg\\c.dwg", "C:\\dwg\\d.dwg", "C:\\dwg\\e,f.dwg"})
     files.AddFile(path, Drawing(path));
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
@@ -376,7 +421,8 @@ TEST_F(OpenTest, LastDrawingGoneSinceTheListWasReadIsToldInEnglish) {
   vanishing.AddFile(PathOf(1), Drawing(PathOf(1)));
   RecentFileList list(store, vanishing);
   list.AddRecentFile(PathOf(1));
-  DrawingOperations ops(OperationServices{host, host::GetAcadApplication(host), windows, store, vanishing, list, shell});
+  DrawingOperations ops(OperationServices{host, host::GetAcadApplication(host), windows, store,
+                                          vanishing, list, shell});
   ops.OpenLastDrawing();
   EXPECT_EQ(BoxTexts(), (Lines{"Unable to find last opened drawing -\n" + PathOf(1)}));
 }

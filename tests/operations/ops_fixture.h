@@ -24,7 +24,8 @@ using Lines = std::vector<std::string>;
 
 class RecordingLayouts final : public ViewLayoutWriter {
  public:
-  void WriteViewLayout(const std::string& view, const std::string& layout, port::Document) override {
+  void WriteViewLayout(const std::string& view, const std::string& layout,
+                       port::Document) override {
     written.push_back(view + " > " + layout);
   }
   Lines written;
@@ -33,7 +34,8 @@ class RecordingLayouts final : public ViewLayoutWriter {
 // A drawing description at a ".dwg" path, so that the open treats it as a drawing.
 // Descriptions are UTF-8; the texts here are code page 936.
 inline std::string Drawing(const std::string& path, const std::string& extra = "") {
-  return text::ToUtf8("tavlet-drawing 1\npath \"" + path + "\"\n" + extra + "picture 4 3 background 0x000000\n");
+  return text::ToUtf8("tavlet-drawing 1\npath \"" + path + "\"\n" + extra +
+                      "picture 4 3 background 0x000000\n");
 }
 
 inline std::string PathOf(std::size_t n) { return "C:\\dwg\\" + std::to_string(n) + ".dwg"; }
@@ -47,7 +49,8 @@ struct Environment {
     windows.ClearLog();
   }
   OperationServices Services() {
-    return {host, host::GetAcadApplication(host), windows, store, files, recent, shell, &layouts, bar};
+    return {host, host::GetAcadApplication(host), windows, store, files, recent, shell, &layouts,
+            bar};
   }
 
   port::Document Open(const std::string& path, const std::string& extra = "") {

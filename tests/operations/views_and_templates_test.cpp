@@ -9,7 +9,8 @@ namespace {
 
 using SaveViewTest = OpsFixture;
 
-const sim::NamedViewDesc* FindView(sim::SimHost& host, port::Document doc, const std::string& name) {
+const sim::NamedViewDesc* FindView(sim::SimHost& host, port::Document doc,
+                                   const std::string& name) {
   for (const sim::NamedViewDesc& v : host.Find(doc)->content.views)
     if (v.name == name) return &v;
   return nullptr;
@@ -27,7 +28,8 @@ TEST_F(SaveViewTest, EscapeAtThePromptCreatesNoView) {
 }
 
 TEST_F(SaveViewTest, AViewSavedInALayoutHoldsZeroZAndNamesItsLayout) {
-  port::Document doc = Open(PathOf(1), "layout \"A1\"\nlayout \"立面\"\nactive-layout \"立面\"\ncvport 1\n");
+  port::Document doc =
+      Open(PathOf(1), "layout \"A1\"\nlayout \"立面\"\nactive-layout \"立面\"\ncvport 1\n");
   Ops().contextDocument = doc;
   host.QueueStringAnswer(port::kRtNormal, "前视 图");
   host.Faults().ClearLog();
@@ -84,7 +86,8 @@ TEST_F(SaveViewTest, ANameTheHostRefusesEndsInTheErrorBox) {
   host.QueueStringAnswer(port::kRtNormal, "ok");
   host.Faults().Fail("AcadLayout::Name", 1, port::kHostException, "");
   Ops().OnSaveView();
-  EXPECT_EQ(host.Transcript().substr(host.Transcript().rfind("ok\n") + 3), "未知的错误在 MvTavlet::OnSaveView()!\n");
+  EXPECT_EQ(host.Transcript().substr(host.Transcript().rfind("ok\n") + 3),
+            "未知的错误在 MvTavlet::OnSaveView()!\n");
   EXPECT_TRUE(layouts.written.empty());
 }
 
@@ -111,13 +114,14 @@ TEST_F(TemplatePathTest, TheChosenFolderIsWrittenWithATrailingBackslash) {
   };
   const std::string nul(1, '\0');
   const std::vector<Case> cases = {
-      {"from an existing folder", "C:\\old\\" + nul, "D:\\模板", "browse 选择新的模板路径 from C:\\old\\",
-       "D:\\模板\\" + nul},
-      {"a drive root keeps one backslash", "C:\\old\\" + nul, "E:\\", "browse 选择新的模板路径 from C:\\old\\",
-       "E:\\" + nul},
-      {"cancel writes nothing", "C:\\old\\" + nul, std::nullopt, "browse 选择新的模板路径 from C:\\old\\",
-       "C:\\old\\" + nul},
-      {"no value yet: the browser starts nowhere", "", "D:\\t", "browse 选择新的模板路径 from ", "D:\\t\\" + nul},
+      {"from an existing folder", "C:\\old\\" + nul, "D:\\模板",
+       "browse 选择新的模板路径 from C:\\old\\", "D:\\模板\\" + nul},
+      {"a drive root keeps one backslash", "C:\\old\\" + nul, "E:\\",
+       "browse 选择新的模板路径 from C:\\old\\", "E:\\" + nul},
+      {"cancel writes nothing", "C:\\old\\" + nul, std::nullopt,
+       "browse 选择新的模板路径 from C:\\old\\", "C:\\old\\" + nul},
+      {"no value yet: the browser starts nowhere", "", "D:\\t", "browse 选择新的模板路径 from ",
+       "D:\\t\\" + nul},
   };
   files.AddFile("C:\\old\\x.dwt", "");
   for (const Case& c : cases) {

@@ -313,6 +313,7 @@ TEST(ProfileEngine, LinesEndAtEitherBreakAndNamesAreReadByCharacter) {
   // What is written goes through the same reading: a lone lead byte is "?".
   ASSERT_TRUE(f.WriteString("x\x81", "k\x81", "v\x81"));
   EXPECT_EQ(f.GetString("x?", "k?", "D"), "v?");
+  EXPECT_EQ(f.GetString("x\x81", "k\x81", "D"), "v?");
   EXPECT_EQ(files.Contents(kIni)->substr(files.Contents(kIni)->find("[x")), "[x?]\r\nk?=v?\r\n");
 }
 

@@ -78,8 +78,8 @@ struct MadeFolders {
 ServerFolder MakeServerFolder(const std::string& tag) {
   static MadeFolders folders;
   static int counter = 0;
-  const std::string unix = "/tmp/tavlet-wine-" + tag + "-" + std::to_string(GetCurrentProcessId()) + "-" +
-                           std::to_string(counter++);
+  const std::string unix = "/tmp/tavlet-wine-" + tag + "-" + std::to_string(GetCurrentProcessId()) +
+                           "-" + std::to_string(counter++);
   std::string local = "Z:" + unix;
   for (char& c : local) {
     if (c == '/') c = '\\';
@@ -95,7 +95,8 @@ ServerFolder Inside(const ServerFolder& folder, const std::string& name) {
   return {folder.local + "\\" + name, folder.unix + "/" + name};
 }
 
-bool PythonServer::Start(const std::string& script, const std::vector<std::string>& args, std::string& error) {
+bool PythonServer::Start(const std::string& script, const std::vector<std::string>& args,
+                         std::string& error) {
   Stop();
   folder_ = MakeServerFolder("server");
   const ServerFolder portFile = Inside(folder_, "port");
@@ -106,7 +107,8 @@ bool PythonServer::Start(const std::string& script, const std::vector<std::strin
   STARTUPINFOA startup{};
   startup.cb = sizeof startup;
   PROCESS_INFORMATION process{};
-  if (!CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process)) {
+  if (!CreateProcessA(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                      &startup, &process)) {
     error = "cannot start " + command + ": error " + std::to_string(GetLastError());
     return false;
   }
@@ -147,7 +149,8 @@ ServerFolder Inside(const ServerFolder& folder, const std::string& name) {
   return {folder.local + "/" + name, folder.unix + "/" + name};
 }
 
-bool PythonServer::Start(const std::string& script, const std::vector<std::string>& args, std::string& error) {
+bool PythonServer::Start(const std::string& script, const std::vector<std::string>& args,
+                         std::string& error) {
   Stop();
   folder_ = MakeServerFolder("server");
   const std::string portFile = Inside(folder_, "port").local;
@@ -187,7 +190,8 @@ bool PythonServer::Start(const std::string& script, const std::vector<std::strin
     int status = 0;
     if (::waitpid(pid_, &status, WNOHANG) == pid_) {
       pid_ = -1;
-      error = "the server ended at once (is python3-pyftpdlib installed? scripts/setup.sh installs it)";
+      error =
+          "the server ended at once (is python3-pyftpdlib installed? scripts/setup.sh installs it)";
       Stop();
       return false;
     }

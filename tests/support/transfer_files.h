@@ -2,8 +2,8 @@
 // a block at a time, so that 50 MB files never sit whole in memory.
 #pragma once
 
-#include <cstdint>
 #include <algorithm>
+#include <cstdint>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -16,10 +16,12 @@ inline bool WritePatternFile(const std::string& path, std::uint64_t size, std::u
   std::vector<char> block(1 << 20);
   std::uint32_t state = seed * 2654435761u + 1;
   for (std::uint64_t done = 0; done < size;) {
-    const std::size_t n = static_cast<std::size_t>(std::min<std::uint64_t>(block.size(), size - done));
+    const std::size_t n =
+        static_cast<std::size_t>(std::min<std::uint64_t>(block.size(), size - done));
     for (std::size_t i = 0; i < n; i += 4) {
       state = state * 1664525u + 1013904223u;
-      for (std::size_t k = 0; k < 4 && i + k < n; ++k) block[i + k] = static_cast<char>(state >> (8 * k));
+      for (std::size_t k = 0; k < 4 && i + k < n; ++k)
+        block[i + k] = static_cast<char>(state >> (8 * k));
     }
     out.write(block.data(), static_cast<std::streamsize>(n));
     done += n;

@@ -9,9 +9,9 @@ namespace {
 struct ReplyCase {
   const char* name;
   std::string bytes;
-  std::vector<int> codes;             // replies expected in order
-  std::vector<std::string> texts;     // Text() of each
-  FtpReplyParser::Result end;         // what follows the last reply
+  std::vector<int> codes;          // replies expected in order
+  std::vector<std::string> texts;  // Text() of each
+  FtpReplyParser::Result end;      // what follows the last reply
 };
 
 TEST(FtpReplyParser, ReadsRepliesWholeFedAtOnceOrByteByByte) {
@@ -20,14 +20,37 @@ TEST(FtpReplyParser, ReadsRepliesWholeFedAtOnceOrByteByByte) {
       {"single", "220 ready\r\n", {220}, {"ready"}, FtpReplyParser::Result::NeedMore},
       {"bare LF", "230 in\n", {230}, {"in"}, FtpReplyParser::Result::NeedMore},
       {"code only", "200\r\n", {200}, {""}, FtpReplyParser::Result::NeedMore},
-      {"two in one read", "331 pass?\r\n230 ok\r\n", {331, 230}, {"pass?", "ok"}, FtpReplyParser::Result::NeedMore},
-      {"multi-line", "220-Welcome\r\n to the\r\n220 server\r\n", {220}, {"server"}, FtpReplyParser::Result::NeedMore},
-      // Lines inside that start with other codes, or the same code and '-', do not end it.
-      {"inner codes", "211-Features\r\n211-still\r\n226 not the end\r\n211 End\r\n", {211}, {"End"},
+      {"two in one read",
+       "331 pass?\r\n230 ok\r\n",
+       {331, 230},
+       {"pass?", "ok"},
        FtpReplyParser::Result::NeedMore},
-      {"bare last line", "211-Features:\r\n EPSV\r\n211\r\n", {211}, {"Features:"}, FtpReplyParser::Result::NeedMore},
-      {"longest line", longLine, {211}, {std::string(kMaxReplyLine - 4, 'a')}, FtpReplyParser::Result::NeedMore},
-      {"unfinished", "150 opening\r\n226 Transfer compl", {150}, {"opening"}, FtpReplyParser::Result::NeedMore},
+      {"multi-line",
+       "220-Welcome\r\n to the\r\n220 server\r\n",
+       {220},
+       {"server"},
+       FtpReplyParser::Result::NeedMore},
+      // Lines inside that start with other codes, or the same code and '-', do not end it.
+      {"inner codes",
+       "211-Features\r\n211-still\r\n226 not the end\r\n211 End\r\n",
+       {211},
+       {"End"},
+       FtpReplyParser::Result::NeedMore},
+      {"bare last line",
+       "211-Features:\r\n EPSV\r\n211\r\n",
+       {211},
+       {"Features:"},
+       FtpReplyParser::Result::NeedMore},
+      {"longest line",
+       longLine,
+       {211},
+       {std::string(kMaxReplyLine - 4, 'a')},
+       FtpReplyParser::Result::NeedMore},
+      {"unfinished",
+       "150 opening\r\n226 Transfer compl",
+       {150},
+       {"opening"},
+       FtpReplyParser::Result::NeedMore},
       {"no code", "hello\r\n", {}, {}, FtpReplyParser::Result::Malformed},
       {"letter in code", "2x0 ok\r\n", {}, {}, FtpReplyParser::Result::Malformed},
       {"class 6", "650 odd\r\n", {}, {}, FtpReplyParser::Result::Malformed},
@@ -36,9 +59,15 @@ TEST(FtpReplyParser, ReadsRepliesWholeFedAtOnceOrByteByByte) {
       {"two digits", "22 ok\r\n", {}, {}, FtpReplyParser::Result::Malformed},
       {"empty line", "\r\n", {}, {}, FtpReplyParser::Result::Malformed},
       {"bad after good", "220 hi\r\nSSH-2.0\r\n", {220}, {"hi"}, FtpReplyParser::Result::Malformed},
-      {"line too long", "220 " + std::string(kMaxReplyLine, 'x') + "\r\n", {}, {},
+      {"line too long",
+       "220 " + std::string(kMaxReplyLine, 'x') + "\r\n",
+       {},
+       {},
        FtpReplyParser::Result::Malformed},
-      {"line too long, no end yet", "220 " + std::string(kMaxReplyLine + 10, 'x'), {}, {},
+      {"line too long, no end yet",
+       "220 " + std::string(kMaxReplyLine + 10, 'x'),
+       {},
+       {},
        FtpReplyParser::Result::Malformed},
   };
   for (const ReplyCase& c : cases) {
@@ -49,7 +78,8 @@ TEST(FtpReplyParser, ReadsRepliesWholeFedAtOnceOrByteByByte) {
       FtpReplyParser::Result result = FtpReplyParser::Result::NeedMore;
       auto drain = [&] {
         FtpReply reply;
-        while ((result = parser.Next(reply)) == FtpReplyParser::Result::Reply) replies.push_back(reply);
+        while ((result = parser.Next(reply)) == FtpReplyParser::Result::Reply)
+          replies.push_back(reply);
       };
       if (byteByByte) {
         for (char ch : c.bytes) {
@@ -79,7 +109,8 @@ TEST(FtpReplyParser, RefusesAMultiLineReplyWithoutEnd) {
   parser.Feed("211-start\r\n");
   FtpReply reply;
   FtpReplyParser::Result result = FtpReplyParser::Result::NeedMore;
-  for (std::size_t i = 0; i < kMaxReplyLines + 1 && result == FtpReplyParser::Result::NeedMore; ++i) {
+  for (std::size_t i = 0; i < kMaxReplyLines + 1 && result == FtpReplyParser::Result::NeedMore;
+       ++i) {
     parser.Feed(" feature\r\n");
     result = parser.Next(reply);
   }

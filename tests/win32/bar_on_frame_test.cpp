@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <fstream>
 #include <iostream>
 #include <memory>
 #include <sstream>
@@ -14,10 +15,10 @@
 #include <vector>
 
 #include "demohost/demo_host.h"
+#include "demohost/script.h"
 #include "platform/win32/bar/preview_strip_win32.h"
 #include "platform/win32/frame_layout.h"
 #include "platform/win32/registry_backend_win32.h"
-#include "demohost/script.h"
 #include "settings/settings_table.h"
 #include "support/test_paths.h"
 
@@ -333,6 +334,22 @@ TEST_F(BarOnFrame, AClickOnACellActivatesItsDrawing) {
   EXPECT_EQ(demo->Host().MdiActive(), docs[0]);
   HWND active = reinterpret_cast<HWND>(SendMessageA(demo->MdiClient(), WM_MDIGETACTIVE, 0, 0));
   EXPECT_EQ(active, demo->ViewOf(docs[0]));
+  // The other way round: the user picks a drawing's window, and the bar follows the host.
+  SendMessageA(demo->MdiClient(), WM_MDIACTIVATE, reinterpret_cast<WPARAM>(demo->ViewOf(docs[1])), 0);
+  demo->Pump(30);
+  EXPECT_EQ(demo->Host().MdiActive(), docs[1]);
+  RedrawWindow(FindPreviewStrip(), nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+  const Picture shot = CaptureWindow(FindPreviewStrip());
+  RECT strip{};
+  GetWindowRect(FindPreviewStrip(), &strip);
+  const std::vector<RECT> cells = Cells();
+  ASSERT_EQ(cells.size(), 3u);
+  const COLORREF blue = win32::kActiveCellFrame;
+  const std::uint32_t activeFrame = (std::uint32_t{GetRValue(blue)} << 16) | (GetGValue(blue) << 8) | GetBValue(blue);
+  for (int i = 0; i < 3; ++i) {
+    const std::uint32_t pixel = shot.At(cells[i].left - strip.left, (cells[i].top + cells[i].bottom) / 2 - strip.top);
+    EXPECT_EQ(pixel == activeFrame, i == 1) << "cell " << i << " " << std::hex << pixel;
+  }
 }
 
 TEST_F(BarOnFrame, AClickDuringACommandWithSwitchOnBusyOffShowsTheMessage) {
@@ -445,6 +462,48 @@ TEST(DemoScript, WrongScriptsFailWithFileLineAndWhatWasExpected) {
   Script missing;
   EXPECT_FALSE(missing.Load("C:\\no\\such\\script.txt", error));
   EXPECT_NE(error.find("cannot read the script"), std::string::npos);
+}
+
+// Runs the demo host on `script`; its exit status, its standard error in `errors`.
+DWORD RunDemoHost(const std::string& script, std::string& errors) {
+  const std::string folder = tavlet::testing::MakeTempFolder("demohost");
+  const std::string scriptPath = folder + "\\script.txt", errorPath = folder + "\\errors.txt";
+  FILE* f = std::fopen(scriptPath.c_str(), "wb");
+  if (!f) return 0xFFFFFFFF;
+  std::fputs(script.c_str(), f);
+  std::fclose(f);
+  SECURITY_ATTRIBUTES inherit{sizeof inherit, nullptr, TRUE};
+  HANDLE errorFile = CreateFileA(errorPath.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherit, CREATE_ALWAYS,
+                                 FILE_ATTRIBUTE_NORMAL, nullptr);
+  STARTUPINFOA startup{};
+  startup.cb = sizeof startup;
+  startup.dwFlags = STARTF_USESTDHANDLES;
+  startup.hStdOutput = errorFile;
+  startup.hStdError = errorFile;
+  PROCESS_INFORMATION process{};
+  std::string command = "\"" + WinePath(TAVLET_DEMOHOST_PATH) + "\" --script \"" + scriptPath + "\"";
+  DWORD status = 0xFFFFFFFF;
+  if (CreateProcessA(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &process)) {
+    WaitForSingleObject(process.hProcess, 120000);
+    GetExitCodeProcess(process.hProcess, &status);
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+  }
+  CloseHandle(errorFile);
+  std::ifstream in(errorPath);
+  std::stringstream text;
+  text << in.rdbuf();
+  errors = text.str();
+  return status;
+}
+
+TEST(DemoHostProgram, ExitsNonZeroAndNamesTheLineOfAWrongScript) {
+  std::string errors;
+  EXPECT_EQ(RunDemoHost("wait 10\nfly away\n", errors), 2u);
+  EXPECT_NE(errors.find("script.txt:2: unknown verb 'fly'"), std::string::npos) << errors;
+  EXPECT_EQ(RunDemoHost("open missing-drawing.tdd\n", errors), 1u);
+  EXPECT_NE(errors.find("script.txt:1: open: no such file 'missing-drawing.tdd'"), std::string::npos) << errors;
+  EXPECT_EQ(RunDemoHost("wait 10\nquit\n", errors), 0u) << errors;
 }
 
 TEST_F(BarOnFrame, AScriptStopsAtAMissingDrawingAndAScreenshotShowsTheCells) {

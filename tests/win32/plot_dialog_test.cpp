@@ -19,7 +19,8 @@ INT_PTR CALLBACK Procedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lPar
 // takes only objects that define a symbol someone needs: until the build links the
 // resource objects themselves, the dialog is missing from this program.
 bool DialogLinked() {
-  return FindResourceA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(operations::kPlotDialogId), RT_DIALOG) != nullptr;
+  return FindResourceA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(operations::kPlotDialogId),
+                       RT_DIALOG) != nullptr;
 }
 
 std::wstring TextOf(HWND window) {
@@ -36,8 +37,9 @@ std::wstring ClassOf(HWND window) {
 
 TEST(PlotDialog, HoldsItsGroupsListsFileFieldsAndButtons) {
   if (!DialogLinked()) GTEST_SKIP() << "the plot dialog resource is not linked into this program";
-  HWND dialog = CreateDialogParamA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(operations::kPlotDialogId), nullptr,
-                                   Procedure, 0);
+  HWND dialog =
+      CreateDialogParamA(GetModuleHandleA(nullptr), MAKEINTRESOURCEA(operations::kPlotDialogId),
+                         nullptr, Procedure, 0);
   ASSERT_NE(dialog, nullptr) << "the dialog resource is not linked into this program";
   EXPECT_EQ(TextOf(dialog), L"打印设置");
   struct Control {
@@ -46,9 +48,12 @@ TEST(PlotDialog, HoldsItsGroupsListsFileFieldsAndButtons) {
     const wchar_t* text;
   };
   const Control controls[] = {
-      {operations::kPageSetupList, L"ListBox", L""},   {operations::kPlotDeviceList, L"ListBox", L""},
-      {operations::kPlotToFileCheck, L"Button", L"打印到文件"}, {operations::kPlotFileEdit, L"Edit", L""},
-      {IDOK, L"Button", L"确定"},                          {IDCANCEL, L"Button", L"取消"},
+      {operations::kPageSetupList, L"ListBox", L""},
+      {operations::kPlotDeviceList, L"ListBox", L""},
+      {operations::kPlotToFileCheck, L"Button", L"打印到文件"},
+      {operations::kPlotFileEdit, L"Edit", L""},
+      {IDOK, L"Button", L"确定"},
+      {IDCANCEL, L"Button", L"取消"},
   };
   for (const Control& c : controls) {
     SCOPED_TRACE(c.id);
@@ -57,8 +62,9 @@ TEST(PlotDialog, HoldsItsGroupsListsFileFieldsAndButtons) {
     EXPECT_EQ(_wcsicmp(ClassOf(item).c_str(), c.className), 0);
     EXPECT_EQ(TextOf(item), c.text);
   }
-  EXPECT_EQ(GetWindowLongW(GetDlgItem(dialog, operations::kPlotToFileCheck), GWL_STYLE) & BS_TYPEMASK,
-            BS_AUTOCHECKBOX);
+  EXPECT_EQ(
+      GetWindowLongW(GetDlgItem(dialog, operations::kPlotToFileCheck), GWL_STYLE) & BS_TYPEMASK,
+      BS_AUTOCHECKBOX);
   // Nothing fills the lists.
   EXPECT_EQ(SendDlgItemMessageW(dialog, operations::kPageSetupList, LB_GETCOUNT, 0, 0), 0);
   EXPECT_EQ(SendDlgItemMessageW(dialog, operations::kPlotDeviceList, LB_GETCOUNT, 0, 0), 0);

@@ -19,7 +19,8 @@ class WinsockFtpTest : public ::testing::Test {
     local_ = new ServerFolder(testing::MakeServerFolder("ftp-local"));
     server_ = new testing::PythonServer;
     std::string error;
-    if (!server_->Start(testing::TestScript("transfer/ftp_server.py"), {root_->unix}, error)) startError_ = error;
+    if (!server_->Start(testing::TestScript("transfer/ftp_server.py"), {root_->unix}, error))
+      startError_ = error;
   }
   static void TearDownTestSuite() {
     delete server_;

@@ -32,7 +32,8 @@ struct Verdicts {
   }
   bool WaitFor(std::size_t count, int milliseconds) {
     std::unique_lock<std::mutex> guard(lock);
-    return arrived.wait_for(guard, std::chrono::milliseconds(milliseconds), [&] { return got.size() >= count; });
+    return arrived.wait_for(guard, std::chrono::milliseconds(milliseconds),
+                            [&] { return got.size() >= count; });
   }
 };
 
@@ -41,7 +42,8 @@ class UpdateCheckTest : public ::testing::Test {
   static void SetUpTestSuite() {
     server_ = new testing::PythonServer;
     std::string error;
-    if (!server_->Start(testing::TestScript("transfer/update_server.py"), {}, error)) startError_ = error;
+    if (!server_->Start(testing::TestScript("transfer/update_server.py"), {}, error))
+      startError_ = error;
   }
   static void TearDownTestSuite() { delete server_; }
   void SetUp() override { ASSERT_EQ(startError_, ""); }
@@ -67,7 +69,8 @@ TEST_F(UpdateCheckTest, EachAnswerGivesItsVerdictOnTheWorkerThread) {
       {"/good", UpdateStatus::NewerBuild, "2.0.9", ""},
       {"/same", UpdateStatus::UpToDate, "2.0.7", ""},
       {"/missing", UpdateStatus::HttpError, "", "the server answered HTTP 404"},
-      {"/malformed", UpdateStatus::BadAnswer, "", "line 1: the answer does not start with \"tavlet-update 1\""},
+      {"/malformed", UpdateStatus::BadAnswer, "",
+       "line 1: the answer does not start with \"tavlet-update 1\""},
       {"/huge", UpdateStatus::TooLarge, "", "the answer is 10485776 bytes"},
       {"/huge-unsized", UpdateStatus::TooLarge, "", "the answer is larger than 4096 bytes"},
   };

@@ -149,7 +149,8 @@ int Extract(FileSystem& fs, const std::vector<std::string>& args) {
   thumbnail.SetRecolor(recolor || haveBackground);
   thumbnail.SetInitialBackground(background);
   if (!thumbnail.Load(input, true) && !thumbnail.errorText().empty()) {
-    std::fprintf(stderr, "%s: cannot read: %s\n", input.c_str(), ThumbnailFailure(thumbnail).c_str());
+    std::fprintf(stderr, "%s: cannot read: %s\n", input.c_str(),
+                 ThumbnailFailure(thumbnail).c_str());
     return kExitFileProblem;
   }
   std::string bytes;

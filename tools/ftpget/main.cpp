@@ -137,7 +137,8 @@ bool ParseArguments(const std::vector<std::string>& args, Options& o) {
 }
 
 // Runs the command on a logged-on client.
-transfer::FtpError RunCommand(transfer::FtpClient& client, const std::vector<std::string>& command, bool& usage) {
+transfer::FtpError RunCommand(transfer::FtpClient& client, const std::vector<std::string>& command,
+                              bool& usage) {
   const std::string& verb = command[0];
   const std::size_t count = command.size() - 1;
   auto arg = [&](std::size_t i) { return i <= count ? command[i] : std::string(); };
@@ -202,7 +203,8 @@ int Run(const std::vector<std::string>& args) {
   if (progressShown) std::fprintf(stderr, "\n");
   if (usage) {
     client.Quit();
-    std::fprintf(stderr, "ftpget: unknown command or wrong arguments: %s\n%s", o.command[0].c_str(), kUsage);
+    std::fprintf(stderr, "ftpget: unknown command or wrong arguments: %s\n%s", o.command[0].c_str(),
+                 kUsage);
     return kExitUsage;
   }
   if (error) {

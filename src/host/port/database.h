@@ -191,11 +191,14 @@ class DrawingDatabase {
   virtual Result TAVLET_PORT_CALL OpenBlockRecord(ObjectId id, BlockRecord** record) = 0;
   virtual Result TAVLET_PORT_CALL OpenViewRecord(ObjectId id, ViewRecord** record) = 0;
 
+  // getLayerStateManager: `exists` false when the database gives none.
+  virtual Result TAVLET_PORT_CALL HasLayerStateManager(Database db, bool* exists) = 0;
   // getLayerStateManager()->layerStatesDictionaryId(false); 0 with kFalse when
   // the database has no manager or the manager no dictionary.
   virtual Result TAVLET_PORT_CALL LayerStatesDictionary(Database db, ObjectId* dictionary) = 0;
   virtual Result TAVLET_PORT_CALL OpenDictionary(ObjectId id, Dictionary** dictionary) = 0;
-  // restoreLayerState(name); the document must be locked for write.
+  // restoreLayerState(name); the document must be locked for write. Fails
+  // (kPointer) on a database without a layer state manager.
   virtual Result TAVLET_PORT_CALL RestoreLayerState(Database db, const char* name,
                                                     long* acadStatus) = 0;
 

@@ -20,18 +20,24 @@ namespace {
 
 NetError FromErrno(int error) {
   switch (error) {
-    case ECONNREFUSED: return NetError::Refused;
-    case ETIMEDOUT: return NetError::TimedOut;
+    case ECONNREFUSED:
+      return NetError::Refused;
+    case ETIMEDOUT:
+      return NetError::TimedOut;
     case ECONNRESET:
     case EPIPE:
     case ECONNABORTED:
-    case ENOTCONN: return NetError::Reset;
+    case ENOTCONN:
+      return NetError::Reset;
     case ENETUNREACH:
     case EHOSTUNREACH:
-    case ENETDOWN: return NetError::Unreachable;
+    case ENETDOWN:
+      return NetError::Unreachable;
     case EAFNOSUPPORT:
-    case EPROTONOSUPPORT: return NetError::Unsupported;
-    default: return NetError::Other;
+    case EPROTONOSUPPORT:
+      return NetError::Unsupported;
+    default:
+      return NetError::Other;
   }
 }
 
@@ -182,7 +188,8 @@ class PosixNetwork final : public Network {
     return last;
   }
 
-  NetError Listen(const std::string& localHost, int timeout, std::unique_ptr<Socket>& socket) override {
+  NetError Listen(const std::string& localHost, int timeout,
+                  std::unique_ptr<Socket>& socket) override {
     socket.reset();
     sockaddr_storage storage{};
     socklen_t length = 0;

@@ -78,12 +78,13 @@ FileError WriteAll(HANDLE file, std::string_view bytes) {
 // The rewrite in place of a file that can't be replaced because another process holds
 // it open (without delete sharing, which a rename over it needs). The platform's own
 // profile writes open such a file and rewrite it, so they succeed; so must we. The
-// new content is already whole in `temp` beside the file and stays there until the
-// rewrite is complete and on disk: if the process dies half-way, the file may be part
-// new and part old, but never cut short or empty, and `temp` (an "MV_*.tmp" beside
-// it) holds the whole new content to recover from. The old bytes are overwritten from
-// the start and the end is cut last, so the file is never shorter than its new
-// content while the rewrite runs.
+// new content is already whole in `temp` beside the file, and that copy stays until
+// the rewrite is complete: if the process dies half-way, the file may be part new and
+// part old, but never cut short or empty (the old bytes are overwritten from the
+// start and the end is cut last), and `temp`, an "MV_*.tmp" beside it, holds the
+// whole new content to recover from. Both are flushed, the copy before the file is
+// touched and the file before the copy goes, so that this holds across a crash of
+// the machine too; the path is rare, its cost doesn't matter.
 FileError RewriteInPlace(const std::string& path, const char* temp, std::string_view bytes) {
   win32::KernelHandle file(CreateFileA(path.c_str(), GENERIC_WRITE,
                                        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
@@ -94,10 +95,17 @@ FileError RewriteInPlace(const std::string& path, const char* temp, std::string_
     DeleteFileA(temp);
     return error;
   }
+  {
+    win32::KernelHandle copy(CreateFileA(temp, GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
+                                         FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!copy.valid() || !FlushFileBuffers(copy.get())) {
+      const FileError error = FromLastError();
+      DeleteFileA(temp);
+      return error;
+    }
+  }
   FileError error = WriteAll(file.get(), bytes);
   if (error == FileError::None && !SetEndOfFile(file.get())) error = FromLastError();
-  // Flushed before the recoverable copy goes, so that the copy outlives a crash of the
-  // machine as well; this path is rare, its cost doesn't matter.
   if (error == FileError::None && !FlushFileBuffers(file.get())) error = FromLastError();
   if (!file.Close() && error == FileError::None) error = FromLastError();
   if (error == FileError::None) DeleteFileA(temp);

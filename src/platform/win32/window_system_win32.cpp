@@ -26,11 +26,12 @@ class PlainWindow final : public OwnedByWindow {};
 
 }  // namespace
 
-// Hands each proposed size of a hooked window to the portable sink, which may
-// cut it, before the window's own procedure sees it.
-class Win32WindowSystem::SinkHook final : public WindowHook {
+// The frame hook on a window of the host's: each proposed size goes to the
+// portable carving (host::FrameAreaHook), which may cut it, before the window's
+// own procedure sees it.
+class Win32WindowSystem::FrameAreaHook final : public WindowHook {
  public:
-  explicit SinkHook(host::WindowHookSink* sink) : sink_(sink) {}
+  explicit FrameAreaHook(host::WindowHookSink* sink) : sink_(sink) {}
   host::WindowHookSink* Sink() const { return sink_; }
 
  protected:
@@ -148,7 +149,7 @@ void Win32WindowSystem::UseModuleResources(bool module) {
 }
 
 bool Win32WindowSystem::AttachHook(port::Window w, host::WindowHookSink* sink) {
-  auto hook = std::make_unique<SinkHook>(sink);
+  auto hook = std::make_unique<FrameAreaHook>(sink);
   if (!hook->Attach(H(w))) return false;
   hooks_.push_back(std::move(hook));
   return true;

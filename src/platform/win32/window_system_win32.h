@@ -50,11 +50,11 @@ class Win32WindowSystem final : public host::WindowSystem {
   int AttachedHooks() const { return static_cast<int>(hooks_.size()); }
 
  private:
-  class SinkHook;
+  class FrameAreaHook;
 
   void* instance_;
   std::map<std::string, WindowFactory> factories_;
-  std::vector<std::unique_ptr<SinkHook>> hooks_;
+  std::vector<std::unique_ptr<FrameAreaHook>> hooks_;
   std::vector<void*> savedResources_;
 };
 

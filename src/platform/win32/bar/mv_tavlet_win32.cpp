@@ -7,6 +7,7 @@
 
 #include "bar/strip_actions.h"
 #include "platform/win32/bar/preview_strip_win32.h"
+#include "platform/win32/handles.h"
 
 namespace tavlet::win32 {
 
@@ -84,6 +85,7 @@ void MvTavletWindow::OnDestroy() {
     if (GetParent(hwnd()) == floatFrame) SetParent(hwnd(), nullptr);
     DestroyWindow(floatFrame);
   }
+  EndTracking();
   if (GetCapture() == hwnd()) ReleaseCapture();
 }
 
@@ -125,10 +127,45 @@ void MvTavletWindow::OnMouseMove(UINT, int x, int y) {
   RECT client{};
   GetClientRect(hwnd(), &client);
   // The bar keeps its size during the drag; the frame's next layout applies it.
-  grip_.OnMouseMove(bar_.Settings(), x, y, client.right, client.bottom);
+  if (const auto thickness = grip_.OnMouseMove(bar_.Settings(), x, y, client.right, client.bottom))
+    TrackDrag(*thickness);
+}
+
+void MvTavletWindow::TrackDrag(long thickness) {
+  RECT r{};
+  GetWindowRect(hwnd(), &r);
+  switch (bar_.DockSide()) {
+    case bar::kDockLeft:
+    case bar::kDockCommandLeft:
+      r.right = r.left + thickness;
+      break;
+    case bar::kDockRight:
+    case bar::kDockCommandRight:
+      r.left = r.right - thickness;
+      break;
+    case bar::kDockTop:
+      r.bottom = r.top + thickness;
+      break;
+    default:
+      r.top = r.bottom - thickness;
+      break;
+  }
+  ScreenDc screen;
+  if (tracking_) DrawFocusRect(screen.get(), &tracked_);
+  tracked_ = r;
+  tracking_ = r.right > r.left && r.bottom > r.top;
+  if (tracking_) DrawFocusRect(screen.get(), &tracked_);
+}
+
+void MvTavletWindow::EndTracking() {
+  if (!tracking_) return;
+  ScreenDc screen;
+  DrawFocusRect(screen.get(), &tracked_);
+  tracking_ = false;
 }
 
 void MvTavletWindow::OnLButtonUp(UINT, int, int) {
+  EndTracking();
   if (GetCapture() == hwnd()) ReleaseCapture();
   // The captures of the previews belong to the capture work; the walk itself runs.
   grip_.OnLButtonUp(bar_, [this] { bar::RefreshAllPreviews(bar_, [](bar::DocEntry&) {}); });

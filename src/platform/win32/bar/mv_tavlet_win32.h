@@ -37,9 +37,15 @@ class MvTavletWindow final : public OwnedByWindow {
 
  private:
   void ShowBox(const std::string& text);
+  // Shows where the drag would put the bar's edge: a dotted frame drawn by
+  // inversion on the screen, drawn again to erase it.
+  void TrackDrag(long thickness);
+  void EndTracking();
 
   bar::BarModel& bar_;
   bar::GripSizing grip_;
+  bool tracking_ = false;
+  RECT tracked_{};
 };
 
 // The popup that holds the bar while it floats: a captioned tool window owned

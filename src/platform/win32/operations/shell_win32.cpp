@@ -1,8 +1,8 @@
 #include "platform/win32/operations/shell_win32.h"
 
-#include <windows.h>
 #include <shellapi.h>
 #include <shlobj.h>
+#include <windows.h>
 
 #include "platform/win32/operations/plot_dialog.rh"
 
@@ -30,7 +30,8 @@ INT_PTR CALLBACK PlotDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM
 
 class Win32OperationShell final : public operations::OperationShell {
  public:
-  explicit Win32OperationShell(HINSTANCE instance) : instance_(instance ? instance : GetModuleHandleA(nullptr)) {}
+  explicit Win32OperationShell(HINSTANCE instance)
+      : instance_(instance ? instance : GetModuleHandleA(nullptr)) {}
 
   void OpenWithShell(const std::string& path) override {
     ShellExecuteA(nullptr, nullptr, path.c_str(), nullptr, nullptr, SW_SHOW);
@@ -59,8 +60,8 @@ class Win32OperationShell final : public operations::OperationShell {
   }
 
   bool RunPlotDialog(port::Window owner) override {
-    return DialogBoxParamA(instance_, MAKEINTRESOURCEA(IDD_PLOT_SETUP), reinterpret_cast<HWND>(owner),
-                           PlotDialogProc, 0) == IDOK;
+    return DialogBoxParamA(instance_, MAKEINTRESOURCEA(IDD_PLOT_SETUP),
+                           reinterpret_cast<HWND>(owner), PlotDialogProc, 0) == IDOK;
   }
 
  private:
@@ -69,7 +70,8 @@ class Win32OperationShell final : public operations::OperationShell {
 
 }  // namespace
 
-long long __stdcall PlotDialogProcedure(void* dialog, unsigned message, unsigned long long wParam, long long) {
+long long __stdcall PlotDialogProcedure(void* dialog, unsigned message, unsigned long long wParam,
+                                        long long) {
   switch (message) {
     case WM_INITDIALOG:
       return TRUE;

@@ -13,6 +13,7 @@ std::unique_ptr<operations::OperationShell> CreateWin32OperationShell(void* inst
 
 // The plot dialog's procedure, for tests that create the dialog modeless: OK and
 // Cancel end it with their id.
-long long __stdcall PlotDialogProcedure(void* dialog, unsigned message, unsigned long long wParam, long long lParam);
+long long __stdcall PlotDialogProcedure(void* dialog, unsigned message, unsigned long long wParam,
+                                        long long lParam);
 
 }  // namespace tavlet::win32

@@ -1,4 +1,5 @@
 #include "platform/win32/transfer/http_get_win32.h"
+#include "platform/win32/transfer/library_function.h"
 
 #include <wininet.h>
 
@@ -22,12 +23,6 @@ struct WinInet {
   bool ready = false;
 };
 
-template <typename F>
-bool Find(HMODULE library, const char* name, F& function) {
-  function = reinterpret_cast<F>(reinterpret_cast<void*>(GetProcAddress(library, name)));
-  return function != nullptr;
-}
-
 // Loaded once for the process and kept: a worker may still be inside it.
 const WinInet& Api() {
   static WinInet api;
@@ -36,11 +31,15 @@ const WinInet& Api() {
     HMODULE library = LoadLibraryA("wininet.dll");
     if (library == nullptr) return;
     WinInet w;
-    w.ready = Find(library, "InternetOpenA", w.open) && Find(library, "InternetSetOptionA", w.setOption) &&
-              Find(library, "InternetCrackUrlA", w.crackUrl) && Find(library, "InternetConnectA", w.connect) &&
-              Find(library, "HttpOpenRequestA", w.openRequest) && Find(library, "HttpSendRequestA", w.sendRequest) &&
-              Find(library, "HttpQueryInfoA", w.queryInfo) &&
-              Find(library, "InternetReadFile", w.read) && Find(library, "InternetCloseHandle", w.close);
+    w.ready = FindFunction(library, "InternetOpenA", w.open) &&
+              FindFunction(library, "InternetSetOptionA", w.setOption) &&
+              FindFunction(library, "InternetCrackUrlA", w.crackUrl) &&
+              FindFunction(library, "InternetConnectA", w.connect) &&
+              FindFunction(library, "HttpOpenRequestA", w.openRequest) &&
+              FindFunction(library, "HttpSendRequestA", w.sendRequest) &&
+              FindFunction(library, "HttpQueryInfoA", w.queryInfo) &&
+              FindFunction(library, "InternetReadFile", w.read) &&
+              FindFunction(library, "InternetCloseHandle", w.close);
     if (w.ready) api = w;
   });
   return api;
@@ -56,14 +55,16 @@ HttpResult Failure(HttpResult::Outcome outcome, std::string detail) {
 HttpResult FromError(DWORD error, const char* during) {
   const std::string code = " (" + std::string(during) + ", error " + std::to_string(error) + ")";
   switch (error) {
-    case ERROR_INTERNET_TIMEOUT: return Failure(HttpResult::Outcome::TimedOut, "no answer in time" + code);
+    case ERROR_INTERNET_TIMEOUT:
+      return Failure(HttpResult::Outcome::TimedOut, "no answer in time" + code);
     case ERROR_INTERNET_NAME_NOT_RESOLVED:
       return Failure(HttpResult::Outcome::NoNetwork, "the server's name is not known" + code);
     case ERROR_INTERNET_CANNOT_CONNECT:
     case ERROR_INTERNET_CONNECTION_ABORTED:
     case ERROR_INTERNET_CONNECTION_RESET:
       return Failure(HttpResult::Outcome::NoNetwork, "the server cannot be reached" + code);
-    default: return Failure(HttpResult::Outcome::Failed, "the request failed" + code);
+    default:
+      return Failure(HttpResult::Outcome::Failed, "the request failed" + code);
   }
 }
 
@@ -179,11 +180,14 @@ namespace {
 
 void Fetch(HttpGet::Shared& shared, const std::string& url, int timeout, std::size_t maxBody) {
   const WinInet& api = Api();
-  if (!api.ready) return Report(shared, Failure(HttpResult::Outcome::Failed, "wininet.dll cannot be loaded"));
-  HINTERNET session = api.open("Tavlet update check", INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0);
+  if (!api.ready)
+    return Report(shared, Failure(HttpResult::Outcome::Failed, "wininet.dll cannot be loaded"));
+  HINTERNET session =
+      api.open("Tavlet update check", INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0);
   if (session == nullptr) return Report(shared, FromError(GetLastError(), "InternetOpen"));
   DWORD limit = static_cast<DWORD>(timeout);
-  for (DWORD option : {INTERNET_OPTION_CONNECT_TIMEOUT, INTERNET_OPTION_SEND_TIMEOUT, INTERNET_OPTION_RECEIVE_TIMEOUT}) {
+  for (DWORD option : {INTERNET_OPTION_CONNECT_TIMEOUT, INTERNET_OPTION_SEND_TIMEOUT,
+                       INTERNET_OPTION_RECEIVE_TIMEOUT}) {
     api.setOption(session, option, &limit, sizeof limit);
   }
   {
@@ -218,17 +222,19 @@ void Fetch(HttpGet::Shared& shared, const std::string& url, int timeout, std::si
     result = Failure(HttpResult::Outcome::Failed, "not a web address: " + url);
   } else {
     if (parts.nScheme == INTERNET_SCHEME_HTTPS) flags |= INTERNET_FLAG_SECURE;
-    connection = api.connect(session, host, parts.nPort, nullptr, nullptr, INTERNET_SERVICE_HTTP, 0, 0);
+    connection =
+        api.connect(session, host, parts.nPort, nullptr, nullptr, INTERNET_SERVICE_HTTP, 0, 0);
     if (connection != nullptr) {
       const char* accept[] = {"text/plain", "*/*", nullptr};
-      request = api.openRequest(connection, "GET", path[0] != '\0' ? path : "/", nullptr, nullptr, accept, flags, 0);
+      request = api.openRequest(connection, "GET", path[0] != '\0' ? path : "/", nullptr, nullptr,
+                                accept, flags, 0);
     }
     if (request == nullptr) {
       result = FromError(GetLastError(), "HttpOpenRequest");
     } else {
       // Set on the request itself too: not every WinINet passes the session's limits on.
-      for (DWORD option :
-           {INTERNET_OPTION_CONNECT_TIMEOUT, INTERNET_OPTION_SEND_TIMEOUT, INTERNET_OPTION_RECEIVE_TIMEOUT}) {
+      for (DWORD option : {INTERNET_OPTION_CONNECT_TIMEOUT, INTERNET_OPTION_SEND_TIMEOUT,
+                           INTERNET_OPTION_RECEIVE_TIMEOUT}) {
         api.setOption(request, option, &limit, sizeof limit);
       }
       // One check, one connection: nothing is kept for reuse.
@@ -240,12 +246,14 @@ void Fetch(HttpGet::Shared& shared, const std::string& url, int timeout, std::si
   if (sent) {
     DWORD status = 0, size = sizeof status;
     DWORD length = 0, lengthSize = sizeof length;
-    if (!api.queryInfo(request, HTTP_QUERY_STATUS_CODE | HTTP_QUERY_FLAG_NUMBER, &status, &size, nullptr)) {
+    if (!api.queryInfo(request, HTTP_QUERY_STATUS_CODE | HTTP_QUERY_FLAG_NUMBER, &status, &size,
+                       nullptr)) {
       result = FromError(GetLastError(), "HttpQueryInfo");
-    } else if (api.queryInfo(request, HTTP_QUERY_CONTENT_LENGTH | HTTP_QUERY_FLAG_NUMBER, &length, &lengthSize,
-                             nullptr) &&
+    } else if (api.queryInfo(request, HTTP_QUERY_CONTENT_LENGTH | HTTP_QUERY_FLAG_NUMBER, &length,
+                             &lengthSize, nullptr) &&
                length > maxBody) {
-      result = Failure(HttpResult::Outcome::TooLarge, "the answer is " + std::to_string(length) + " bytes");
+      result = Failure(HttpResult::Outcome::TooLarge,
+                       "the answer is " + std::to_string(length) + " bytes");
     } else {
       result.outcome = HttpResult::Outcome::Answered;
       result.status = static_cast<int>(status);
@@ -259,8 +267,8 @@ void Fetch(HttpGet::Shared& shared, const std::string& url, int timeout, std::si
         if (got == 0) break;
         // The first block past the limit ends the read: the rest is never fetched.
         if (result.body.size() + got > maxBody) {
-          result = Failure(HttpResult::Outcome::TooLarge, "the answer is larger than " + std::to_string(maxBody) +
-                                                              " bytes");
+          result = Failure(HttpResult::Outcome::TooLarge,
+                           "the answer is larger than " + std::to_string(maxBody) + " bytes");
           break;
         }
         result.body.append(buffer, got);
@@ -271,7 +279,8 @@ void Fetch(HttpGet::Shared& shared, const std::string& url, int timeout, std::si
   {
     std::lock_guard<std::mutex> guard(shared.lock);
     if (shared.timedOut && result.outcome != HttpResult::Outcome::Answered) {
-      result = Failure(HttpResult::Outcome::TimedOut, "no whole answer within " + std::to_string(timeout) + " ms");
+      result = Failure(HttpResult::Outcome::TimedOut,
+                       "no whole answer within " + std::to_string(timeout) + " ms");
     }
   }
   Report(shared, result);
@@ -285,11 +294,13 @@ void Fetch(HttpGet::Shared& shared, const std::string& url, int timeout, std::si
 
 }  // namespace
 
-bool UpdateCheck::Start(const std::string& endpoint, const std::string& current, Callback done, int timeout) {
+bool UpdateCheck::Start(const std::string& endpoint, const std::string& current, Callback done,
+                        int timeout) {
   if (!host::IsAcceptableUpdateUrl(endpoint)) {
     host::UpdateVerdict verdict;
     verdict.status = host::UpdateStatus::NoEndpoint;
-    verdict.detail = endpoint.empty() ? "no update address is configured" : "the update address is not an http(s) address";
+    verdict.detail = endpoint.empty() ? "no update address is configured"
+                                      : "the update address is not an http(s) address";
     if (done) done(verdict);
     return false;
   }
@@ -300,10 +311,18 @@ bool UpdateCheck::Start(const std::string& endpoint, const std::string& current,
                         case HttpResult::Outcome::Answered:
                           verdict = host::JudgeUpdateAnswer(current, result.status, result.body);
                           break;
-                        case HttpResult::Outcome::NoNetwork: verdict.status = host::UpdateStatus::NoNetwork; break;
-                        case HttpResult::Outcome::TimedOut: verdict.status = host::UpdateStatus::TimedOut; break;
-                        case HttpResult::Outcome::TooLarge: verdict.status = host::UpdateStatus::TooLarge; break;
-                        case HttpResult::Outcome::Failed: verdict.status = host::UpdateStatus::NoNetwork; break;
+                        case HttpResult::Outcome::NoNetwork:
+                          verdict.status = host::UpdateStatus::NoNetwork;
+                          break;
+                        case HttpResult::Outcome::TimedOut:
+                          verdict.status = host::UpdateStatus::TimedOut;
+                          break;
+                        case HttpResult::Outcome::TooLarge:
+                          verdict.status = host::UpdateStatus::TooLarge;
+                          break;
+                        case HttpResult::Outcome::Failed:
+                          verdict.status = host::UpdateStatus::NoNetwork;
+                          break;
                       }
                       if (verdict.detail.empty()) verdict.detail = result.detail;
                       if (done) done(verdict);

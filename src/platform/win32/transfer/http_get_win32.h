@@ -62,7 +62,8 @@ class UpdateCheck {
   // `current` is this build (ArxModule::BuildText). With no acceptable endpoint
   // `done` is called at once, here, with NoEndpoint, and false is returned;
   // otherwise as HttpGet::Start.
-  bool Start(const std::string& endpoint, const std::string& current, Callback done, int timeout = 10000);
+  bool Start(const std::string& endpoint, const std::string& current, Callback done,
+             int timeout = 10000);
   void Cancel() { get_.Cancel(); }
   bool Running() const { return get_.Running(); }
 

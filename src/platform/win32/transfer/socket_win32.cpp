@@ -2,18 +2,21 @@
 // does with its other optional libraries, so a module that never transfers a
 // file never loads it. Sockets are non-blocking; each wait is a select() on the
 // one socket, read back from the sets by hand (FD_ISSET is a ws2_32 import).
+#include <windows.h>
 #include <winsock2.h>
 #include <ws2tcpip.h>
-#include <windows.h>
 
 #include <mutex>
 #include <string>
 #include <utility>
 
 #include "platform/socket.h"
+#include "platform/win32/transfer/library_function.h"
 
 namespace tavlet {
 namespace {
+
+using win32::FindFunction;
 
 struct Winsock {
   decltype(&::WSAStartup) startup = nullptr;
@@ -38,12 +41,6 @@ struct Winsock {
   bool ready = false;
 };
 
-template <typename F>
-bool Find(HMODULE library, const char* name, F& function) {
-  function = reinterpret_cast<F>(reinterpret_cast<void*>(GetProcAddress(library, name)));
-  return function != nullptr;
-}
-
 // Loaded and started once for the process; the library stays loaded until exit.
 const Winsock& Api() {
   static Winsock api;
@@ -52,16 +49,23 @@ const Winsock& Api() {
     HMODULE library = LoadLibraryA("ws2_32.dll");
     if (library == nullptr) return;
     Winsock w;
-    bool found = Find(library, "WSAStartup", w.startup) && Find(library, "WSAGetLastError", w.lastError) &&
-                 Find(library, "socket", w.socket) && Find(library, "closesocket", w.close) &&
-                 Find(library, "connect", w.connect) && Find(library, "bind", w.bind) &&
-                 Find(library, "listen", w.listen) && Find(library, "accept", w.accept) &&
-                 Find(library, "send", w.send) && Find(library, "recv", w.recv) &&
-                 Find(library, "select", w.select) && Find(library, "ioctlsocket", w.ioctl) &&
-                 Find(library, "getsockopt", w.getsockopt) && Find(library, "setsockopt", w.setsockopt) &&
-                 Find(library, "getsockname", w.getsockname) && Find(library, "getpeername", w.getpeername) &&
-                 Find(library, "getaddrinfo", w.getaddrinfo) && Find(library, "freeaddrinfo", w.freeaddrinfo) &&
-                 Find(library, "getnameinfo", w.getnameinfo);
+    bool found =
+        FindFunction(library, "WSAStartup", w.startup) &&
+        FindFunction(library, "WSAGetLastError", w.lastError) &&
+        FindFunction(library, "socket", w.socket) &&
+        FindFunction(library, "closesocket", w.close) &&
+        FindFunction(library, "connect", w.connect) && FindFunction(library, "bind", w.bind) &&
+        FindFunction(library, "listen", w.listen) && FindFunction(library, "accept", w.accept) &&
+        FindFunction(library, "send", w.send) && FindFunction(library, "recv", w.recv) &&
+        FindFunction(library, "select", w.select) &&
+        FindFunction(library, "ioctlsocket", w.ioctl) &&
+        FindFunction(library, "getsockopt", w.getsockopt) &&
+        FindFunction(library, "setsockopt", w.setsockopt) &&
+        FindFunction(library, "getsockname", w.getsockname) &&
+        FindFunction(library, "getpeername", w.getpeername) &&
+        FindFunction(library, "getaddrinfo", w.getaddrinfo) &&
+        FindFunction(library, "freeaddrinfo", w.freeaddrinfo) &&
+        FindFunction(library, "getnameinfo", w.getnameinfo);
     WSADATA data{};
     if (!found || w.startup(MAKEWORD(2, 2), &data) != 0) return;
     w.ready = true;
@@ -72,19 +76,25 @@ const Winsock& Api() {
 
 NetError FromWsa(int error) {
   switch (error) {
-    case WSAECONNREFUSED: return NetError::Refused;
-    case WSAETIMEDOUT: return NetError::TimedOut;
+    case WSAECONNREFUSED:
+      return NetError::Refused;
+    case WSAETIMEDOUT:
+      return NetError::TimedOut;
     case WSAECONNRESET:
     case WSAECONNABORTED:
     case WSAENOTCONN:
     case WSAESHUTDOWN:
-    case WSAENETRESET: return NetError::Reset;
+    case WSAENETRESET:
+      return NetError::Reset;
     case WSAENETUNREACH:
     case WSAEHOSTUNREACH:
-    case WSAENETDOWN: return NetError::Unreachable;
+    case WSAENETDOWN:
+      return NetError::Unreachable;
     case WSAEAFNOSUPPORT:
-    case WSAEPROTONOSUPPORT: return NetError::Unsupported;
-    default: return NetError::Other;
+    case WSAEPROTONOSUPPORT:
+      return NetError::Unsupported;
+    default:
+      return NetError::Other;
   }
 }
 
@@ -98,8 +108,9 @@ NetError Wait(SOCKET s, Ready what, int timeout) {
   read.fd_array[0] = write.fd_array[0] = failed.fd_array[0] = s;
   timeval limit{timeout / 1000, (timeout % 1000) * 1000};
   // A failed connect shows in the exception set only.
-  const int count = Api().select(0, what == Ready::Read ? &read : nullptr, what == Ready::Read ? nullptr : &write,
-                                 what == Ready::Connect ? &failed : nullptr, timeout < 0 ? nullptr : &limit);
+  const int count =
+      Api().select(0, what == Ready::Read ? &read : nullptr, what == Ready::Read ? nullptr : &write,
+                   what == Ready::Connect ? &failed : nullptr, timeout < 0 ? nullptr : &limit);
   if (count == 0) return NetError::TimedOut;
   if (count == SOCKET_ERROR) return LastError();
   if (what == Ready::Connect && failed.fd_count > 0) {
@@ -115,8 +126,8 @@ NetAddress FromSockaddr(const sockaddr_storage& storage, int length) {
   char host[NI_MAXHOST] = {};
   char service[NI_MAXSERV] = {};
   NetAddress address;
-  if (Api().getnameinfo(reinterpret_cast<const sockaddr*>(&storage), length, host, sizeof host, service,
-                        sizeof service, NI_NUMERICHOST | NI_NUMERICSERV) != 0) {
+  if (Api().getnameinfo(reinterpret_cast<const sockaddr*>(&storage), length, host, sizeof host,
+                        service, sizeof service, NI_NUMERICHOST | NI_NUMERICSERV) != 0) {
     return address;
   }
   address.host = host;
@@ -243,7 +254,8 @@ class WinsockNetwork final : public Network {
     return last;
   }
 
-  NetError Listen(const std::string& localHost, int timeout, std::unique_ptr<Socket>& socket) override {
+  NetError Listen(const std::string& localHost, int timeout,
+                  std::unique_ptr<Socket>& socket) override {
     socket.reset();
     if (!Api().ready) return NetError::Unsupported;
     addrinfo hints{};
@@ -260,7 +272,8 @@ class WinsockNetwork final : public Network {
       result = LastError();
     } else {
       auto guard = std::make_unique<WinsockSocket>(s, timeout);
-      if (!MakeNonBlocking(s) || Api().bind(s, found->ai_addr, static_cast<int>(found->ai_addrlen)) != 0 ||
+      if (!MakeNonBlocking(s) ||
+          Api().bind(s, found->ai_addr, static_cast<int>(found->ai_addrlen)) != 0 ||
           Api().listen(s, 1) != 0) {
         result = LastError();
       } else {
