@@ -83,7 +83,9 @@ TEST(ResizableDialog, PlacementIsWrittenAndReadBack) {
     RegValue value;
     const bool stored = registry.QueryValue(kRoot + "\\SheetSetDialog", "", value);
     EXPECT_EQ(stored, c.expected != nullptr);
-    if (c.expected) EXPECT_EQ(value.bytes, std::string(c.expected) + '\0');
+    if (c.expected) {
+      EXPECT_EQ(value.bytes, std::string(c.expected) + '\0');
+    }
   }
 }
 
