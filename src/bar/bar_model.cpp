@@ -124,6 +124,14 @@ void BarModel::SetModified(port::Document doc, bool modified) {
   tabOrder_.SetTabModified(doc, modified);
 }
 
+void BarModel::TogglePreviewLock(port::Document doc) {
+  if (tabMode_ || !doc) return;
+  DocEntry* entry = list_.FindEntry(doc);
+  if (!entry) return;
+  entry->SetPreviewLocked(!entry->previewLocked);
+  RedrawRect(entry->itemRect);
+}
+
 void BarModel::HideBar() {
   if (Floating()) {
     services_.windows.ShowWindow(floatFrame_, host::kSwHide);

@@ -98,6 +98,9 @@ class BarModel : private PreviewStripView {
   // The host's background and crosshair colours, as the capture uses them.
   void ReloadColors();
   void AddRecentFile(const std::string& path);
+  // The menu's lock of one drawing's thumbnail: preview mode only, and only for a
+  // drawing the strip lists. Unlocking makes the picture stale; the cell repaints.
+  void TogglePreviewLock(port::Document doc);
 
   // ---- state ----
   bool Created() const { return created_; }

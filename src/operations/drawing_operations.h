@@ -60,6 +60,12 @@ std::string ErrorBoxText(const host::ComError& error);
 // with strtod; 0 when the host gives none.
 double ReadHostVersion(port::HostSession& session);
 
+// The current profile's "\General" key below HKEY_CURRENT_USER (from CPROFILE and
+// the profile manager); empty when the profile has no registry root.
+std::string TemplatePathKey(port::HostSession& session);
+// The TemplatePath text under that key; empty when there is none.
+std::string ReadTemplatePath(const std::string& key, const SettingsStore& settings);
+
 class DrawingOperations {
  public:
   // Reads ZoomExtentsOnSave and the host's version.

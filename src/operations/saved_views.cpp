@@ -60,23 +60,28 @@ void DrawingOperations::OnSaveView() {
   });
 }
 
+std::string TemplatePathKey(port::HostSession& session) {
+  SystemVariableGuard profile(*session.EditorService(), "CPROFILE", false);
+  host::StringSink root;
+  const port::Result found = session.Services()->ProfileRegistryRoot(profile.Text().c_str(), &root);
+  if (found != port::kOk || root.text.empty()) return {};
+  return (root.text.size() > kRootPrefixLength ? root.text.substr(kRootPrefixLength) : std::string()) +
+         "\\General";
+}
+
+std::string ReadTemplatePath(const std::string& key, const SettingsStore& settings) {
+  if (key.empty()) return {};
+  RegValue value;
+  if (!settings.Backend().QueryValue(key, kTemplatePath, value) || value.type != kRegSz) return {};
+  return value.bytes.c_str();  // up to the terminating NUL
+}
+
 // No guarded block: whatever fails leaves an empty path to start the browser from.
 void DrawingOperations::OnChangeTemplatePath() {
-  SystemVariableGuard profile(*services_.session.EditorService(), "CPROFILE", false);
-  host::StringSink root;
-  const port::Result found =
-      services_.session.Services()->ProfileRegistryRoot(profile.Text().c_str(), &root);
-  if (found != port::kOk || root.text.empty()) return;
-  const std::string key =
-      (root.text.size() > kRootPrefixLength ? root.text.substr(kRootPrefixLength) : std::string()) +
-      "\\General";
-
-  RegValue value;
-  std::string folder;
+  const std::string key = TemplatePathKey(services_.session);
+  if (key.empty()) return;
   RegistryBackend& registry = services_.settings.Backend();
-  if (registry.QueryValue(key, kTemplatePath, value) && value.type == kRegSz)
-    folder.assign(value.bytes.c_str());  // up to the terminating NUL
-  DrawingPath current(folder, services_.files);
+  DrawingPath current(ReadTemplatePath(key, services_.settings), services_.files);
 
   port::Window frame = nullptr;
   if (port::Failed(services_.session.Frame()->MainFrame(&frame))) frame = nullptr;

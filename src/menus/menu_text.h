@@ -1,0 +1,21 @@
+// Small text helpers of the menu: the one-argument formats of its texts and the
+// name a drawing goes by in the close entry.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "host/port/documents.h"
+#include "platform/file_system.h"
+
+namespace tavlet::menus {
+
+// `format` with its first "%s" replaced by `argument` (no other conversions).
+std::string FormatText(std::string_view format, std::string_view argument);
+
+// The name part (no extension) of the drawing's saved path, or of its file name
+// when that part is empty (a drawing never saved). A failing host call counts as
+// empty text.
+std::string DocumentNamePart(port::DocManager& documents, port::Document document, FileSystem& files);
+
+}  // namespace tavlet::menus

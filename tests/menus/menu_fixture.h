@@ -1,0 +1,131 @@
+// The context menu over a whole module on the simulated host: the module's bar,
+// the drawing operations, the workset store and the sheet-set commands, all
+// over in-memory files and registry.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "bar/bar_model.h"
+#include "menus/context_menu.h"
+#include "menus/menu_ids.h"
+#include "settings/settings_table.h"
+#include "sim/module_harness.h"
+#include "sim/sim_shell.h"
+#include "support/test_paths.h"
+#include "text/codepage.h"
+
+namespace tavlet::menus {
+
+using Lines = std::vector<std::string>;
+
+class TestUser final : public UserEnvironment {
+ public:
+  bool AppDataFolder(std::string& folder) override {
+    folder = "C:\\AppData";
+    return true;
+  }
+  std::string ModuleFolder() override { return "C:\\Module\\"; }
+  bool UserName(std::string& name) override {
+    name = "mei";
+    return true;
+  }
+};
+
+class AnsweringChooser final : public content::LayoutChooser {
+ public:
+  std::vector<std::string> Choose(const std::string& title, const std::vector<std::string>& names) override {
+    asked.push_back(title + ":" + std::to_string(names.size()));
+    return answer;
+  }
+  std::vector<std::string> answer;
+  Lines asked;
+};
+
+inline constexpr const char kWorksetsFile[] = "C:\\AppData\\Morvane\\Tavlet\\mei.worksets";
+inline constexpr const char kTemplates[] = "C:\\Templates\\";
+inline constexpr const char kGeneralKey[] =
+    "Software\\Host\\R16.1\\ACAD-301:804\\Profiles\\<<Unnamed Profile>>\\General";
+inline constexpr const char kPlanPath[] = "D:\\项目\\办公楼\\平面图.dwg";
+
+inline std::string SampleText(const std::string& name) {
+  std::ifstream in(std::filesystem::path(testing::SamplesDir()) / name, std::ios::binary);
+  std::ostringstream bytes;
+  bytes << in.rdbuf();
+  return bytes.str();
+}
+
+// Settings go in before Start, as the module reads them at load.
+struct MenuWorld {
+  MenuWorld() {
+    h.files.AddFolder("C:\\AppData\\Morvane\\Tavlet\\");
+    h.files.AddFolder(kTemplates);
+    h.store.SetString("工作集", "路径", kWorksetsFile);
+    h.registry.SetValue(kGeneralKey, "TemplatePath", kRegSz,
+                        std::string_view(kTemplates, sizeof kTemplates));
+  }
+
+  void Start() {
+    ASSERT_EQ(h.Load(), 0);
+    bar = h.Bar();
+    ASSERT_NE(bar, nullptr);
+    ops = std::make_unique<operations::DrawingOperations>(operations::OperationServices{
+        h.host, host::GetAcadApplication(h.host), h.windows, h.store, h.files, bar->RecentFiles(), shell,
+        nullptr, bar->Window()});
+    auto open = [this](const DrawingPath& p, bool complain, bool restore) { ops->OpenFile(p, complain, restore); };
+    worksets = std::make_unique<WorksetStore>(
+        WorksetServices{h.files, h.store, *h.host.Boxes(), user, "C:\\AppData\\Morvane\\Tavlet\\", open});
+    sheetSets = std::make_unique<sheetsets::SheetSetCommands>(sheetsets::SheetSetServices{
+        h.host, host::GetAcadApplication(h.host), h.files, h.store, shell, open, nullptr, bar->Window(),
+        ops->hostVersion});
+    menu = std::make_unique<ContextMenu>(MenuServices{h.host, host::GetAcadApplication(h.host), h.store, h.files,
+                                                      *bar, *ops, shell, *worksets, *sheetSets, chooser,
+                                                      MenuDialogs{}});
+  }
+
+  port::Document OpenPlan() {
+    port::Document doc = h.host.OpenDescription(SampleText("plan.tdd"), "plan.tdd");
+    EXPECT_NE(doc, nullptr) << h.host.LastOpenError();
+    return doc;
+  }
+  void AddWorksets(const std::string& profileText) { h.files.AddFile(kWorksetsFile, profileText); }
+  void AddTemplate(const std::string& name) { h.files.AddFile(kTemplates + name, ""); }
+
+  std::string Tree(port::Document doc) {
+    MenuEntry top = menu->Build(doc);
+    menu->EndTracking();
+    return DescribeMenu(top);
+  }
+  // The first id whose entry has `text` somewhere in the tree; 0 when none.
+  static int IdOf(const MenuEntry& menu, const std::string& text) {
+    for (const MenuEntry& e : menu.children) {
+      if (!e.IsPopup() && e.text == text) return e.id;
+      if (int id = IdOf(e, text)) return id;
+    }
+    return 0;
+  }
+  Lines Boxes() const {
+    Lines out;
+    for (const sim::ShownBox& b : h.host.ShownBoxes()) out.push_back(b.text);
+    return out;
+  }
+  Lines Actions(port::Document doc) const { return h.host.Find(doc)->actions; }
+
+  sim::ModuleHarness h;
+  sim::SimShell shell;
+  TestUser user;
+  AnsweringChooser chooser;
+  bar::BarModel* bar = nullptr;
+  std::unique_ptr<operations::DrawingOperations> ops;
+  std::unique_ptr<WorksetStore> worksets;
+  std::unique_ptr<sheetsets::SheetSetCommands> sheetSets;
+  std::unique_ptr<ContextMenu> menu;
+};
+
+}  // namespace tavlet::menus
