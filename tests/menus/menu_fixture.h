@@ -61,6 +61,16 @@ inline std::string SampleText(const std::string& name) {
   return bytes.str();
 }
 
+// "<B2>" and "<BD>" in an expected tree stand for the lone lead bytes that end
+// the two cut texts.
+inline std::string Bytes(std::string tree) {
+  for (const auto& [mark, byte] : {std::pair<const char*, const char*>{"<B2>", "\xB2"}, {"<BD>", "\xBD"}}) {
+    for (std::size_t at = tree.find(mark); at != std::string::npos; at = tree.find(mark, at))
+      tree.replace(at, 4, byte);
+  }
+  return tree;
+}
+
 // Settings go in before Start, as the module reads them at load.
 struct MenuWorld {
   MenuWorld() {
@@ -98,9 +108,41 @@ struct MenuWorld {
   void AddTemplate(const std::string& name) { h.files.AddFile(kTemplates + name, ""); }
 
   std::string Tree(port::Document doc) {
-    MenuEntry top = menu->Build(doc);
+    last = menu->Build(doc);
     menu->EndTracking();
-    return DescribeMenu(top);
+    return DescribeMenu(last);
+  }
+  // Whether the list's map (or the recent files) holds `id`.
+  bool Holds(MenuList list, int id) const {
+    const MenuLists& l = menu->Lists();
+    switch (list) {
+      case MenuList::RecentFiles: return static_cast<std::size_t>(id - kFirstListId) < bar->RecentFiles().Count();
+      case MenuList::Worksets: return l.worksets.count(id) != 0;
+      case MenuList::RecentSheetSets: return sheetSets->recentSheetSets.count(id) != 0;
+      case MenuList::FoundSheetSets: return sheetSets->foundSheetSets.count(id) != 0;
+      case MenuList::Templates: return l.templates.count(id) != 0;
+      case MenuList::Layouts: return l.layouts.count(id) != 0;
+      case MenuList::ExternalReferences: return l.references.externalReferences.count(id) != 0;
+      case MenuList::Images: return l.references.images.count(id) != 0;
+      case MenuList::OleLinks: return l.references.oleLinks.count(id) != 0;
+      case MenuList::Hyperlinks: return l.references.hyperlinks.count(id) != 0;
+      case MenuList::LayerStates: return l.layerStates.count(id) != 0;
+      case MenuList::Views: return l.views.count(id) != 0;
+      case MenuList::None: break;
+    }
+    return false;
+  }
+  // Every list id the last tree shows goes back, by the range test, to a list
+  // that holds it ("空" aside, which stands for the first workset by design).
+  void ExpectIdsResolve() const { ExpectIdsResolve(last); }
+  void ExpectIdsResolve(const MenuEntry& menu) const {
+    for (const MenuEntry& e : menu.children) {
+      if (e.IsPopup()) ExpectIdsResolve(e);
+      if (e.id < kFirstListId || e.text == texts::NoRecentFiles) continue;
+      const MenuList list = ListOf(e.id, this->menu->Keys());
+      EXPECT_TRUE(Holds(list, e.id)) << e.id << " " << text::ToUtf8(e.text) << " in list "
+                                     << static_cast<int>(list);
+    }
   }
   // The first id whose entry has `text` somewhere in the tree; 0 when none.
   static int IdOf(const MenuEntry& menu, const std::string& text) {
@@ -126,6 +168,7 @@ struct MenuWorld {
   std::unique_ptr<WorksetStore> worksets;
   std::unique_ptr<sheetsets::SheetSetCommands> sheetSets;
   std::unique_ptr<ContextMenu> menu;
+  MenuEntry last;
 };
 
 }  // namespace tavlet::menus

@@ -6,14 +6,6 @@
 namespace tavlet::menus {
 namespace {
 
-std::string Bytes(std::string tree) {
-  for (const auto& [mark, byte] : {std::pair<const char*, const char*>{"<B2>", "\xB2"}, {"<BD>", "\xBD"}}) {
-    for (std::size_t at = tree.find(mark); at != std::string::npos; at = tree.find(mark, at))
-      tree.replace(at, 4, byte);
-  }
-  return tree;
-}
-
 std::string Replace(std::string tree, const std::string& from, const std::string& to) {
   const std::size_t at = tree.find(from);
   EXPECT_NE(at, std::string::npos) << text::ToUtf8(from);
@@ -62,39 +54,9 @@ const std::string kAllDrawings = R"(4013 快速打印全部
 4016 关于 Tavlet...
 )";
 
-// The plan, active, with its recent entry; ids of the drawing's lists follow
-// the templates.
-const std::string kPlan = R"(4011 关闭 [平面图]
-4047 打开文件夹
-4039 锁定预览
-> 布局
-  5008 Model
-  5009 布局1
-  5010 Layout2
-> 参照
-  > 外部<B2>
-    5011 总图.tdd
-  > 图像
-    5012 入口.jpg
-    5013 立面.png
-  > OLE 连接
-    5014 门窗表.xls
-  > 超链接
-    5015 details
-    5016 facade
-    5017 门.pdf
-> 图层状态
-  5018 墙体关闭
-  5019 Print
-> 视图
-  4050 保存...
-  5020 Detail
-  5021 Old sheet
-  5022 Sheet A
-  5023 入口
-  5024 总图|Site
--
-> 最近打开文件
+// The lists below the drawing block with two drawings open and a.dwg in the
+// recent list; the drawing's lists take their ids after the templates.
+const std::string kTail = R"(> 最近打开文件
   5000 C:\dwg\a.dwg
 > 工作集
   4030 管理...
@@ -114,10 +76,76 @@ const std::string kPlan = R"(4011 关闭 [平面图]
 > 新<BD>
   4028 更改模板路径...
   4029 空模板
-  5006 Std
-  5007 acad
+  5007 Std
+  5008 acad
 -
 )" + kAllDrawings;
+
+// The plan, active, under the pointer.
+const std::string kPlan = R"(4011 关闭 [平面图]
+4047 打开文件夹
+4039 锁定预览
+> 布局
+  5009 Model
+  5010 布局1
+  5011 Layout2
+> 参照
+  > 外部<B2>
+    5012 总图.tdd
+  > 图像
+    5013 入口.jpg
+    5014 立面.png
+  > OLE 连接
+    5015 门窗表.xls
+  > 超链接
+    5016 details
+    5017 facade
+    5018 门.pdf
+> 图层状态
+  5019 墙体关闭
+  5020 Print
+> 视图
+  4050 保存...
+  5021 Detail
+  5022 Old sheet
+  5023 Sheet A
+  5024 入口
+  5025 总图|Site
+-
+)" + kTail;
+
+const std::string kSheetSetsMenu = R"(> 图纸集
+  4031 设置图纸集搜索路径...
+  4032 在管理器中打开图纸集
+  > 最近
+    5005 没有找到
+  > 找到
+    5006 没有找到
+)";
+
+const std::string kNewMenu = R"(> 新<BD>
+  4028 更改模板路径...
+  4029 空模板
+  5007 Std
+  5008 acad
+)";
+
+// Every list id above 5000 one less: what the tree becomes when "空" takes no
+// id of its own.
+std::string IdsAfterFirstLessOne(const std::string& tree) {
+  std::string out;
+  std::size_t start = 0;
+  while (start < tree.size()) {
+    std::size_t end = tree.find('\n', start);
+    std::string line = tree.substr(start, end - start);
+    const std::size_t digits = line.find_first_not_of(' ');
+    const int id = std::atoi(line.c_str() + digits);
+    if (id > kFirstListId) line = line.substr(0, digits) + std::to_string(id - 1) + line.substr(digits + 4);
+    out += line + "\n";
+    start = end + 1;
+  }
+  return out;
+}
 
 struct Situation {
   const char* name;
@@ -134,8 +162,97 @@ TEST(MenuTree, EachSituationGivesItsWholeTree) {
     w.h.OpenDrawing("C:\\dwg\\a.dwg");
     return w.OpenPlan();
   };
+  auto onPlanAlone = [](MenuWorld& w) { return w.OpenPlan(); };
+  auto onA = [](MenuWorld& w) { return w.h.OpenDrawing("C:\\dwg\\a.dwg"); };
+  auto onBar = [](MenuWorld& w) {
+    w.h.OpenDrawing("C:\\dwg\\a.dwg");
+    w.OpenPlan();
+    return port::Document{};
+  };
+  auto set = [](const SettingKey& key, int value) {
+    return [&key, value](MenuWorld& w) { w.h.SetSetting(key, value); };
+  };
   const Situation situations[] = {
       {"no drawing", nothing, onEmptyBar, kNoDrawing},
+      {"no drawing, previews not updated", set(keys::AutoUpdatePreviews, 0), onEmptyBar,
+       "4053 刷新预览\n" + kNoDrawing},
+      {"empty bar", nothing, onBar, kTail},
+      {"empty bar, previews not updated", set(keys::AutoUpdatePreviews, 0), onBar, "4053 刷新预览\n" + kTail},
+      {"empty bar in tab mode, previews not updated",
+       [](MenuWorld& w) {
+         w.h.SetSetting(keys::AutoUpdatePreviews, 0);
+         w.h.SetSetting(keys::TabMode, 1);
+       },
+       onBar, kTail},
+      {"the plan", nothing, onPlan, kPlan},
+      {"the plan in tab mode", set(keys::TabMode, 1), onPlan, Replace(kPlan, "4039 锁定预览\n", "")},
+      {"the plan, previews not updated", set(keys::AutoUpdatePreviews, 0), onPlan,
+       Replace(kPlan, "4039 锁定预览", "4051 刷新预览")},
+      {"the plan, its preview locked", nothing,
+       [&](MenuWorld& w) {
+         port::Document plan = onPlan(w);
+         w.bar->TogglePreviewLock(plan);
+         return plan;
+       },
+       Replace(kPlan, "4039 锁定预览", "4039 锁定预览 (checked)")},
+      {"the plan, not the active drawing", nothing,
+       [](MenuWorld& w) {
+         port::Document plan = w.OpenPlan();
+         w.h.OpenDrawing("C:\\dwg\\a.dwg");
+         return plan;
+       },
+       Replace(kPlan, "  4050 保存...\n", "")},
+      {"the plan, host 16.0", [](MenuWorld& w) { w.h.host.SetVersionText("16.0s (LMS Tech)"); }, onPlan,
+       Replace(kPlan, kSheetSetsMenu, "0 图纸集 (grayed)\n")},
+      {"the plan, new menu disabled", set(keys::DisableNewMenu, 1), onPlan, Replace(kPlan, kNewMenu, "")},
+      {"the plan, sheet sets opened in the manager", set(keys::OpenSheetSetInSSM, 1), onPlan,
+       Replace(kPlan, "4032 在管理器中打开图纸集", "4032 在管理器中打开图纸集 (checked)")},
+      {"the plan, references by full path", set(keys::ShowFullPathInRefs, 1), onPlan,
+       Replace(kPlan, R"(    5012 总图.tdd
+  > 图像
+    5013 入口.jpg
+    5014 立面.png
+  > OLE 连接
+    5015 门窗表.xls
+  > 超链接
+    5016 details
+    5017 facade
+    5018 门.pdf
+)",
+               R"(    5012 D:\项目\办公楼\总图.tdd
+  > 图像
+    5013 D:\项目\办公楼\照片\入口.jpg
+    5014 D:\项目\办公楼\照片\立面.png
+  > OLE 连接
+    5015 D:\项目\办公楼\门窗表.xls
+  > 超链接
+    5016 http://example.com/details
+    5017 http://example.com/facade
+    5018 D:\项目\办公楼\门.pdf
+)")},
+      {"one drawing with nothing in it", nothing, onA, R"(4011 关闭 [a]
+4047 打开文件夹
+4039 锁定预览
+> 布局
+  5009 Model
+> 参照
+  > 外部<B2> (grayed)
+    5010 没有找到
+  > 图像 (grayed)
+    5011 没有找到
+  > OLE 连接 (grayed)
+    5012 没有找到
+  > 超链接 (grayed)
+    5013 没有找到
+> 图层状态
+  5014 没有找到
+> 视图
+  4050 保存...
+  5015 没有找到
+-
+)" + kTail},
+      {"the plan alone: an empty recent list", nothing, onPlanAlone,
+       IdsAfterFirstLessOne(Replace(kPlan, "5000 C:\\dwg\\a.dwg", "5000 空"))},
   };
   for (const Situation& s : situations) {
     SCOPED_TRACE(s.name);
@@ -151,6 +268,7 @@ TEST(MenuTree, EachSituationGivesItsWholeTree) {
     port::Document doc = s.click(w);
     const std::string tree = w.Tree(doc);
     EXPECT_EQ(tree, Bytes(s.expected)) << text::ToUtf8(tree);
+    w.ExpectIdsResolve();
   }
 }
 
