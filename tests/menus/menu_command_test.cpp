@@ -1,0 +1,279 @@
+// Entries chosen through OnCommand after a right click, checked on what the host
+// did, shows and prints, and on the bar's state.
+#include "menu_fixture.h"
+
+namespace tavlet::menus {
+namespace {
+
+const std::string kNone = content::kNotFound;
+
+class MenuCommandTest : public ::testing::Test, public MenuWorld {
+ protected:
+  // The plan, active, under the pointer; a.dwg open before it.
+  port::Document StartOnPlan() {
+    Start();
+    h.OpenDrawing("C:\\dwg\\a.dwg");
+    plan = OpenPlan();
+    Tree(plan);
+    h.host.ClearTranscript();
+    return plan;
+  }
+  int Id(const std::string& text) {
+    const int id = IdOf(last, text);
+    EXPECT_NE(id, 0) << text::ToUtf8(text);
+    return id;
+  }
+  host::AcadDocumentPtr Object(port::Document doc) {
+    port::Database db = nullptr;
+    h.host.Documents()->DatabaseOf(doc, &db);
+    return host::DocumentObjectOf(h.host, db);
+  }
+  bool Marked(port::Document doc) { return bar->Strip().FindEntry(doc)->modified; }
+  std::string ActiveLayout(port::Document doc) { return h.host.Find(doc)->content.activeLayout; }
+  Lines Paths() const {
+    Lines out;
+    for (port::Document d : h.host.OpenDocuments()) out.push_back(h.host.Find(d)->path);
+    return out;
+  }
+
+  port::Document plan = nullptr;
+};
+
+TEST_F(MenuCommandTest, TheEmptyRecentEntryActsAsTheFirstWorksetsAll) {
+  AddWorksets("[Site plans]\n文件1=C:\\dwg\\b.dwg,0\n[Other]\n文件1=C:\\dwg\\c.dwg,0\n");
+  h.AddDrawing("C:\\dwg\\b.dwg");
+  Start();
+  Tree(nullptr);
+  ASSERT_EQ(Id(texts::NoRecentFiles), kFirstListId);
+  EXPECT_FALSE(menu->OnCommand(kFirstListId));
+  EXPECT_EQ(Paths(), Lines{"C:\\dwg\\b.dwg"});
+}
+
+TEST_F(MenuCommandTest, TheEmptyRecentEntryWithoutWorksetsDoesNothing) {
+  Start();
+  Tree(nullptr);
+  EXPECT_TRUE(menu->OnCommand(kFirstListId));
+  EXPECT_TRUE(Paths().empty());
+  EXPECT_TRUE(Boxes().empty());
+}
+
+TEST_F(MenuCommandTest, SelectOfANamedWorksetOpensTheTwinsWholeText) {
+  AddWorksets("[Site plans]\n文件1=C:\\dwg\\b.dwg,0\n");
+  h.AddDrawing("C:\\dwg\\b.dwg");
+  Start();
+  Tree(nullptr);
+  // The 8-byte test against the 6-byte marker fails for every named workset:
+  // "Select..." looks for a workset named "<选择>Site plans", which is empty.
+  EXPECT_FALSE(menu->OnCommand(Id(texts::WorksetSelect)));
+  EXPECT_TRUE(Paths().empty());
+  EXPECT_EQ(Boxes(), Lines{workset_texts::kNoFiles});
+}
+
+TEST_F(MenuCommandTest, ARecentFileOpens) {
+  StartOnPlan();
+  h.host.CloseDrawing(h.host.OpenDocuments().front());
+  EXPECT_FALSE(menu->OnCommand(Id("C:\\dwg\\a.dwg")));
+  EXPECT_EQ(Paths(), (Lines{kPlanPath, "C:\\dwg\\a.dwg"}));
+}
+
+TEST_F(MenuCommandTest, AModelViewChosenFromALayoutGoesToModelSpaceFirst) {
+  Start();
+  plan = OpenPlan();
+  Object(plan).PutActiveLayout(Object(plan).Layouts().Item("布局1"));
+  Tree(plan);
+  EXPECT_FALSE(menu->OnCommand(Id("入口")));
+  EXPECT_EQ(ActiveLayout(plan), "Model");
+  EXPECT_EQ(Actions(plan), Lines{"view 入口"});
+  EXPECT_TRUE(Marked(plan));
+}
+
+TEST_F(MenuCommandTest, APaperViewWithoutItsLayoutAsksOnceAndRemembers) {
+  StartOnPlan();
+  chooser.answer = {"Layout2"};
+  EXPECT_FALSE(menu->OnCommand(Id("Old sheet")));
+  EXPECT_EQ(chooser.asked.size(), 1u);
+  EXPECT_EQ(ActiveLayout(plan), "Layout2");
+  EXPECT_EQ(Actions(plan), Lines{"zoom window -40,-15 60,35"});
+  EXPECT_TRUE(Marked(plan));
+
+  Object(plan).PutActiveLayout(Object(plan).Layouts().Item("Model"));
+  Tree(plan);
+  EXPECT_FALSE(menu->OnCommand(Id("Old sheet")));
+  EXPECT_EQ(chooser.asked.size(), 1u);
+  EXPECT_EQ(ActiveLayout(plan), "Layout2");
+}
+
+TEST_F(MenuCommandTest, APaperViewWhoseLayoutIsDeclinedDoesNothingMore) {
+  StartOnPlan();
+  EXPECT_TRUE(menu->OnCommand(Id("Old sheet")));
+  EXPECT_EQ(chooser.asked.size(), 1u);
+  EXPECT_TRUE(Actions(plan).empty());
+  EXPECT_FALSE(Marked(plan));
+}
+
+TEST_F(MenuCommandTest, APaperViewWithItsLayoutZoomsOnThatLayout) {
+  StartOnPlan();
+  EXPECT_FALSE(menu->OnCommand(Id("Sheet A")));
+  EXPECT_TRUE(chooser.asked.empty());
+  EXPECT_EQ(ActiveLayout(plan), "布局1");
+  EXPECT_EQ(Actions(plan), Lines{"zoom window 0,0 297,210"});
+}
+
+TEST_F(MenuCommandTest, ChoosingTheActiveLayoutChangesNothing) {
+  StartOnPlan();
+  EXPECT_FALSE(menu->OnCommand(Id("Model")));
+  EXPECT_EQ(ActiveLayout(plan), "Model");
+  EXPECT_FALSE(Marked(plan));
+  EXPECT_FALSE(menu->OnCommand(Id("Layout2")));
+  EXPECT_EQ(ActiveLayout(plan), "Layout2");
+  EXPECT_TRUE(Marked(plan));
+}
+
+TEST_F(MenuCommandTest, ALayerStateRestoresUnderTheLockAndMarksTheDrawing) {
+  StartOnPlan();
+  EXPECT_FALSE(menu->OnCommand(Id("墙体关闭")));
+  EXPECT_EQ(Actions(plan), (Lines{"layer state 墙体关闭", "regen all"}));
+  EXPECT_TRUE(Marked(plan));
+  EXPECT_FALSE(h.host.IsLocked(plan));
+}
+
+TEST_F(MenuCommandTest, AFailedLayerStateRestoreLeavesTheDrawingUnmarkedAndUnlocked) {
+  StartOnPlan();
+  h.host.Find(plan)->content.layerStates.clear();  // gone since the right click
+  EXPECT_FALSE(menu->OnCommand(Id("墙体关闭")));
+  EXPECT_EQ(h.host.Transcript(), "Error restoring layer state 墙体关闭 - eInvalidInput\n");
+  EXPECT_TRUE(Actions(plan).empty());
+  EXPECT_FALSE(Marked(plan));
+  EXPECT_FALSE(h.host.IsLocked(plan));
+}
+
+TEST_F(MenuCommandTest, AHyperlinkHoldingAUrlEndsInTheMissingFileBox) {
+  StartOnPlan();
+  EXPECT_FALSE(menu->OnCommand(Id("details")));
+  EXPECT_EQ(Boxes(), Lines{"指定路径的文件不存在 -\nhttp://example.com/details"});
+  EXPECT_TRUE(shell.Calls().empty());
+}
+
+TEST_F(MenuCommandTest, AnImageThatExistsGoesToTheShell) {
+  h.files.AddFile("D:\\项目\\办公楼\\照片\\入口.jpg", "jpg");
+  StartOnPlan();
+  EXPECT_FALSE(menu->OnCommand(Id("入口.jpg")));
+  EXPECT_EQ(shell.Calls(), Lines{"shell D:\\项目\\办公楼\\照片\\入口.jpg"});
+}
+
+TEST_F(MenuCommandTest, ATemplateMakesANewDrawingAndNotFoundIsRefusedByTheHost) {
+  AddTemplate("acad.dwt");
+  StartOnPlan();
+  const std::size_t before = h.host.OpenDocuments().size();
+  EXPECT_FALSE(menu->OnCommand(Id("acad")));
+  EXPECT_EQ(h.host.OpenDocuments().size(), before + 1);
+  EXPECT_TRUE(Boxes().empty());
+
+  h.files.Remove(std::string(kTemplates) + "acad.dwt");
+  Tree(plan);
+  const int notFound = menu->Lists().templates.begin()->first;
+  EXPECT_FALSE(menu->OnCommand(notFound));
+  ASSERT_EQ(Boxes().size(), 1u);
+  EXPECT_EQ(Boxes()[0].find("错误"), std::string::npos) << text::ToUtf8(Boxes()[0]);
+  EXPECT_EQ(h.host.OpenDocuments().size(), before + 1);
+}
+
+TEST_F(MenuCommandTest, NotFoundEntriesOfTheDrawingsListsAreTakenAndDoNothing) {
+  Start();
+  port::Document a = h.OpenDrawing("C:\\dwg\\a.dwg");
+  Tree(a);
+  const std::size_t boxes = Boxes().size();
+  EXPECT_TRUE(menu->OnCommand(menu->Lists().layerStates.begin()->first));
+  EXPECT_TRUE(menu->OnCommand(menu->Lists().views.begin()->first));
+  EXPECT_TRUE(menu->OnCommand(sheetSets->recentSheetSets.begin()->first));
+  EXPECT_TRUE(menu->OnCommand(sheetSets->foundSheetSets.begin()->first));
+  EXPECT_EQ(Boxes().size(), boxes);
+  EXPECT_TRUE(Actions(a).empty());
+}
+
+TEST_F(MenuCommandTest, ADrawingsListIdOnEmptyBarFallsThrough) {
+  StartOnPlan();
+  Tree(nullptr);
+  // The lists were filled for the range test; nothing acts on them.
+  for (int id : {menu->Lists().layouts.begin()->first, menu->Lists().layerStates.begin()->first,
+                 menu->Lists().views.begin()->first}) {
+    EXPECT_FALSE(menu->OnCommand(id)) << id;
+  }
+  EXPECT_TRUE(Actions(plan).empty());
+  EXPECT_TRUE(Boxes().empty());
+  EXPECT_EQ(h.host.Transcript(), "");
+}
+
+TEST_F(MenuCommandTest, WithoutTheOleLinkManagerADynamicIdEndsInItsBox) {
+  StartOnPlan();
+  h.host.SetOleLinkManagerMissing(true);
+  EXPECT_FALSE(menu->OnCommand(Id("Layout2")));
+  EXPECT_EQ(Boxes(), Lines{texts::OleLinkManagerMissing});
+  EXPECT_EQ(ActiveLayout(plan), "Model");
+}
+
+TEST_F(MenuCommandTest, AnAutomationFailureShowsItsDescriptionAlone) {
+  StartOnPlan();
+  h.host.Faults().Fail("AcadLayouts::Item", 1, port::kFail, "No such layout");
+  EXPECT_FALSE(menu->OnCommand(Id("Layout2")));
+  EXPECT_EQ(Boxes(), Lines{"No such layout"});
+  h.host.Faults().Fail("AcadDocument::Activate", 1, port::kHostException, "");
+  EXPECT_FALSE(menu->OnCommand(Id("Layout2")));
+  EXPECT_EQ(h.host.Transcript(), texts::UnknownError);
+}
+
+TEST_F(MenuCommandTest, TheSmallFixedHandlers) {
+  StartOnPlan();
+  h.host.ClearTranscript();
+  EXPECT_TRUE(menu->OnCommand(ids::OpenFolder));
+  EXPECT_EQ(shell.Calls(), Lines{"shell D:\\项目\\办公楼\\"});
+
+  EXPECT_TRUE(menu->OnCommand(ids::LockPreview));
+  EXPECT_TRUE(bar->Strip().FindEntry(plan)->previewLocked);
+  EXPECT_TRUE(menu->OnCommand(ids::LockPreview));
+  EXPECT_FALSE(bar->Strip().FindEntry(plan)->previewLocked);
+
+  for (const auto& entry : bar->Strip().Entries()) entry->previewDirty = false;
+  port::Document a = h.host.OpenDocuments().front();
+  h.host.Activate(a);
+  h.host.Faults().ClearLog();
+  EXPECT_TRUE(menu->OnCommand(ids::RefreshPreview));
+  // The plan was activated for it, and the drawing active before is again.
+  EXPECT_TRUE(bar->Strip().FindEntry(plan)->previewDirty);
+  EXPECT_EQ(h.host.MdiActive(), a);
+
+  for (const auto& entry : bar->Strip().Entries()) entry->previewDirty = false;
+  EXPECT_TRUE(menu->OnCommand(ids::RefreshAllPreviews));
+  for (const auto& entry : bar->Strip().Entries()) EXPECT_TRUE(entry->previewDirty);
+  EXPECT_EQ(h.host.MdiActive(), a);
+
+  const std::size_t calls = h.host.Faults().Log().size();
+  EXPECT_TRUE(menu->OnCommand(ids::CurrentDocumentOnly));
+  EXPECT_EQ(h.host.Faults().Log().size(), calls + 1);
+  EXPECT_FALSE(menu->OnCommand(4040));
+  EXPECT_TRUE(Boxes().empty());
+  EXPECT_EQ(h.host.Transcript(), "");
+}
+
+TEST_F(MenuCommandTest, FixedIdsReachTheirHandlers) {
+  StartOnPlan();
+  EXPECT_TRUE(menu->OnCommand(ids::OpenSheetSetInManager));
+  EXPECT_EQ(sheetSets->OpenSheetSetInSSM, 1);
+  Tree(plan);
+  EXPECT_NE(DescribeMenu(last).find("4032 在管理器中打开图纸集 (checked)"), std::string::npos);
+
+  int about = 0;
+  menu = std::make_unique<ContextMenu>(MenuServices{h.host, host::GetAcadApplication(h.host), h.store, h.files,
+                                                    *bar, *ops, shell, *worksets, *sheetSets, chooser,
+                                                    MenuDialogs{[&] { ++about; }, {}, {}}});
+  EXPECT_TRUE(menu->OnCommand(ids::About));
+  EXPECT_TRUE(menu->OnCommand(ids::Options));  // no dialog given: taken, nothing happens
+  EXPECT_EQ(about, 1);
+
+  ops->contextDocument = plan;
+  EXPECT_TRUE(menu->OnCommand(ids::Close));
+  EXPECT_EQ(Paths(), Lines{"C:\\dwg\\a.dwg"});
+}
+
+}  // namespace
+}  // namespace tavlet::menus
