@@ -11,52 +11,14 @@
 #include "content/layouts.h"
 #include "content/references.h"
 #include "content/views.h"
+#include "large_drawing.h"
 #include "sim/memory_file_system.h"
 #include "sim/sim_host.h"
 
 namespace {
 
 using namespace tavlet;
-
-constexpr int kEntities = 100000;
-constexpr int kPaperLayouts = 9;
-constexpr int kHyperlinks = 1000;
-constexpr int kImages = 200;
-
-// Built by appending: g++ 12 warns falsely (-Wrestrict) on literal + string.
-std::string Numbered(const char* prefix, int n, const char* suffix = "") {
-  std::string s = prefix;
-  s += std::to_string(n);
-  s += suffix;
-  return s;
-}
-
-sim::DrawingDescription LargeDrawing() {
-  sim::DrawingDescription d;
-  for (int i = 0; i < kPaperLayouts; ++i) d.layouts.push_back(Numbered("Layout", i + 1));
-  for (int i = 0; i < 20; ++i)
-    d.xrefs.push_back({Numbered("X", i), Numbered("C:\\x\\ref", i, ".dwg"), i % 4 != 0});
-  d.entities.resize(kEntities);
-  for (int i = 0; i < kEntities; ++i) {
-    sim::EntityDesc& e = d.entities[static_cast<std::size_t>(i)];
-    int layout = i % (kPaperLayouts + 1);
-    e.layout = layout == 0 ? "Model" : d.layouts[static_cast<std::size_t>(layout - 1)];
-    if (i % (kEntities / kImages) == 1) {
-      e.kind = sim::EntityDesc::Kind::Image;
-      e.path = Numbered("C:\\images\\photo", i, ".jpg");
-    } else if (i % (kEntities / 20) == 2) {
-      e.kind = sim::EntityDesc::Kind::Ole;
-      e.linked = true;
-      e.path = Numbered("C:\\tables\\t", i, ".xls");
-    }
-    if (i % (kEntities / kHyperlinks) == 3)
-      e.hyperlinks.push_back(Numbered("http://example.com/item/", i));
-  }
-  for (int i = 0; i < 50; ++i) d.blocks.push_back({Numbered("Block", i), {}});
-  d.hasPicture = true;
-  d.picture.width = d.picture.height = 1;
-  return d;
-}
+using namespace tavlet::bench;
 
 sim::DrawingDescription ManyViewsAndStates() {
   sim::DrawingDescription d;

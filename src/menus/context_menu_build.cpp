@@ -186,7 +186,7 @@ void ContextMenu::BuildDrawingBlock(MenuEntry& top, int& nextId) {
   const port::Document document = services_.operations.contextDocument;
   port::DocManager& documents = *services_.session.Documents();
 
-  top.Append(ids::Close, FormatText(texts::Close, DocumentNamePart(documents, document, services_.files)));
+  top.Append(ids::Close, FormatText(texts::Close, {DocumentNamePart(documents, document, services_.files)}));
   top.Append(ids::OpenFolder, texts::OpenFolder);
   if (!services_.bar.TabMode()) {
     if (const bar::DocEntry* entry = services_.bar.Strip().FindEntry(document)) {

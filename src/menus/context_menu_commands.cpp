@@ -18,14 +18,6 @@ namespace {
 // whole text. Settled as it stands.
 constexpr std::size_t kSelectCompareLength = 8;
 
-std::string LayerStateFailure(const std::string& name, const std::string& status) {
-  std::string line = texts::LayerStateFailed;
-  const std::size_t first = line.find("%s");
-  line.replace(first, 2, name);
-  line.replace(line.find("%s", first + name.size()), 2, status);
-  return line;
-}
-
 }  // namespace
 
 void ContextMenu::ShowBox(const std::string& text) {
@@ -203,7 +195,7 @@ bool ContextMenu::RestoreLayerState(const std::string& name) {
   }
   host::StringSink text;
   services_.session.Databases()->ErrorStatusText(*status, &text);
-  Print(LayerStateFailure(name, text.text));
+  Print(FormatText(texts::LayerStateFailed, {name, text.text}));
   return false;
 }
 

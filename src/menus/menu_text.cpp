@@ -5,10 +5,17 @@
 
 namespace tavlet::menus {
 
-std::string FormatText(std::string_view format, std::string_view argument) {
-  std::string out(format);
-  const std::size_t at = out.find("%s");
-  if (at != std::string::npos) out.replace(at, 2, argument);
+std::string FormatText(std::string_view format, std::initializer_list<std::string_view> arguments) {
+  std::string out;
+  auto next = arguments.begin();
+  std::size_t from = 0;
+  for (std::size_t at = format.find("%s"); at != std::string_view::npos && next != arguments.end();
+       at = format.find("%s", from)) {
+    out.append(format.substr(from, at - from));
+    out.append(*next++);
+    from = at + 2;
+  }
+  out.append(format.substr(from));
   return out;
 }
 

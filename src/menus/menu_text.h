@@ -2,6 +2,7 @@
 // name a drawing goes by in the close entry.
 #pragma once
 
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -10,8 +11,9 @@
 
 namespace tavlet::menus {
 
-// `format` with its first "%s" replaced by `argument` (no other conversions).
-std::string FormatText(std::string_view format, std::string_view argument);
+// `format` with each "%s" in turn replaced by the next of `arguments` (no other
+// conversions; a "%s" without an argument stays as it is).
+std::string FormatText(std::string_view format, std::initializer_list<std::string_view> arguments);
 
 // The name part (no extension) of the drawing's saved path, or of its file name
 // when that part is empty (a drawing never saved). A failing host call counts as
