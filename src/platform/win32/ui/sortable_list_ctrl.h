@@ -46,6 +46,20 @@ class SortableListCtrl {
   bool CopyToClipboard();
 
   virtual bool CanDeleteRows() { return true; }
+  // The owner's say on a cell's edit mode, and on a click below the rows (true:
+  // edit the row and column it gives).
+  virtual void CellEditMode(int, int, ui::ColumnEditMode&) {}
+  virtual bool OnEmptyClick(int&, int&, bool) { return false; }
+  // The choices of a cell whose column edits with a list.
+  virtual void CellOptions(int, int, std::vector<std::string>&) {}
+
+  // Editing in place (a list with LVS_EDITLABELS): a text box, or a combo box for a
+  // column with a list, over the cell. It commits on Enter or when it loses the
+  // focus, by LVN_ENDLABELEDIT to the list's parent (a non-zero answer takes the
+  // text into the cell), and cancels on Escape.
+  bool StartEdit(int row, int column);
+  HWND Editor() const { return editor_; }
+  void EnableEditing(bool enable, bool onFirstClick = false, bool checkboxToggles = false);
 
  private:
   static LRESULT CALLBACK Subclass(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
@@ -57,11 +71,20 @@ class SortableListCtrl {
   void UpdateMarks();
   void DeleteSelectedRows();
   HWND Header() const;
+  void OnLeftClick(WPARAM wParam, LPARAM lParam);
+  void EndEdit(bool commit);
+  static LRESULT CALLBACK EditorSubclass(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+                                         DWORD_PTR self) noexcept;
 
   ui::SortableList model_;
   HWND list_ = nullptr;
   HBITMAP upArrow_ = nullptr;
   HBITMAP downArrow_ = nullptr;
+  HWND editor_ = nullptr;
+  int editRow_ = -1;
+  int editColumn_ = -1;
+  bool ending_ = false;
+  ui::ClickPolicy policy_;
 };
 
 }  // namespace tavlet::win32
