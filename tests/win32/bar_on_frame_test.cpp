@@ -3,6 +3,7 @@
 // the drawing area and the command line, sizing by the grip, collapse and
 // scroll, clicks, unload and reload.
 #include <windows.h>
+#include <commctrl.h>
 
 #include <gtest/gtest.h>
 
@@ -428,6 +429,33 @@ TEST_F(BarOnFrame, WithNoDrawingTheBarKeepsACaptionAndAnswersItsOwnMessages) {
   ASSERT_EQ(boxes.size(), 2u);
   EXPECT_EQ(boxes[0].text, "还没有打开工作!");
   EXPECT_EQ(boxes[1].text, "最近文件使用列表中没有文件!");
+}
+
+TEST_F(BarOnFrame, TabModeTakesItsRowsAndSwitchesThroughTheTabControl) {
+  Start({{"", "DockSide", kTop}, {"", "TabMode", 1}, {"", "SwitchOnBusy", 0}}, 3);
+  HWND tabs = FindWindowExA(Bar(), nullptr, "SysTabControl32", nullptr);
+  ASSERT_NE(tabs, nullptr);
+  EXPECT_TRUE(IsWindowVisible(tabs));
+  EXPECT_FALSE(IsWindowVisible(FindPreviewStrip()));
+  ASSERT_EQ(SendMessageA(tabs, TCM_GETITEMCOUNT, 0, 0), 3);
+  EXPECT_EQ(SendMessageA(tabs, TCM_GETCURSEL, 0, 0), 2);
+  // Top: rows times the tab's height, plus 6.
+  RECT item{};
+  ASSERT_TRUE(SendMessageA(tabs, TCM_GETITEMRECT, 2, reinterpret_cast<LPARAM>(&item)));
+  const long rows = static_cast<long>(SendMessageA(tabs, TCM_GETROWCOUNT, 0, 0));
+  EXPECT_EQ(InParent(demo->MdiClient()).top, FullArea().top + rows * (item.bottom - item.top) + 6);
+  // During a command the change is refused with the message.
+  demo->Host().RunCommandDuring("LINE", [&] { SendMessageA(tabs, TCM_SETCURFOCUS, 0, 0); });
+  ASSERT_FALSE(demo->Host().ShownBoxes().empty());
+  EXPECT_EQ(demo->Host().ShownBoxes().back().text, "请结束活动的绘图命令");
+  demo->Pump(30);
+  EXPECT_EQ(demo->Host().MdiActive(), docs[2]);
+  EXPECT_EQ(SendMessageA(tabs, TCM_GETCURSEL, 0, 0), 2);
+  // Otherwise the tab's drawing becomes the active one.
+  SendMessageA(tabs, TCM_SETCURFOCUS, 0, 0);
+  demo->Pump(30);
+  EXPECT_EQ(demo->Host().MdiActive(), docs[0]);
+  EXPECT_EQ(SendMessageA(tabs, TCM_GETCURSEL, 0, 0), 0);
 }
 
 // ---------------------------------------------------------------- scripts
