@@ -18,7 +18,7 @@
 #include "demohost/demo_host.h"
 #include "demohost/script.h"
 #include "platform/win32/bar/preview_strip_win32.h"
-#include "platform/win32/frame_layout.h"
+#include "platform/win32/host/frame_layout.h"
 #include "platform/win32/registry_backend_win32.h"
 #include "settings/settings_table.h"
 #include "support/test_paths.h"
@@ -240,6 +240,9 @@ TEST_F(BarOnFrame, FloatingLeavesTheFrameWholeAndTurnsVerticalWhenTaller) {
   SendMessageA(bar, WM_CLOSE, 0, 0);
   EXPECT_TRUE(IsWindow(floatFrame));
   EXPECT_TRUE(IsWindow(bar));
+  demo->UnloadModule();
+  EXPECT_TRUE(ModuleWindows().empty());
+  EXPECT_FALSE(IsWindow(floatFrame));
 }
 
 TEST_F(BarOnFrame, OffAndNudgeGiveTheAreaBackAndOnTakesItAgain) {
