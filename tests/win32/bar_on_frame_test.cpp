@@ -461,6 +461,45 @@ TEST_F(BarOnFrame, TabModeTakesItsRowsAndSwitchesThroughTheTabControl) {
   EXPECT_EQ(SendMessageA(tabs, TCM_GETCURSEL, 0, 0), 0);
 }
 
+TEST_F(BarOnFrame, TheCommandLineAndTheScriptVerbsDriveTheRealWindows) {
+  Start({{"", "DockSide", kLeft}, {"", "Size", 100}}, 3);
+  // Typed at the command line and entered.
+  SetWindowTextA(demo->CommandInput(), "tloff");
+  SendMessageA(demo->CommandInput(), WM_KEYDOWN, VK_RETURN, 0);
+  demo->Pump(30);
+  EXPECT_FALSE(IsWindowVisible(Bar()));
+  EXPECT_NE(demo->Host().Transcript().find("Command: tloff\n"), std::string::npos);
+  char typed[16] = "x";
+  GetWindowTextA(demo->CommandInput(), typed, sizeof typed);
+  EXPECT_STREQ(typed, "");
+
+  std::string error;
+  Script script;
+  ASSERT_TRUE(script.Parse("command TLON\nresize 700 520\nactivate 1\nwheel 120\nwheel 120\nwait 50\n"
+                           "answer ok\ndblclick cell 2\nrclick cell 2\nwait 50\n",
+                           error))
+      << error;
+  std::ostringstream log;
+  ScriptRunner runner(*demo, script, log);
+  ASSERT_TRUE(runner.Run(error)) << error;
+  EXPECT_TRUE(IsWindowVisible(Bar()));
+  RECT frame{};
+  GetWindowRect(demo->Frame(), &frame);
+  EXPECT_EQ(frame.right - frame.left, 700);
+  EXPECT_EQ(frame.bottom - frame.top, 520);
+  // The bar follows the frame's new size.
+  EXPECT_EQ(InParent(Bar()).bottom, FullArea().bottom);
+  // `activate 1` made the first drawing active for the wheel; the double click's
+  // first press then switched to the second.
+  EXPECT_DOUBLE_EQ(demo->ZoomOf(demo->ViewOf(docs[0])), 1.25 * 1.25);
+  EXPECT_DOUBLE_EQ(demo->ZoomOf(demo->ViewOf(docs[2])), 1.0);
+  EXPECT_EQ(demo->Host().MdiActive(), docs[1]);
+  // The double click reached the bar through the strip: the recent list is empty.
+  ASSERT_FALSE(demo->Host().ShownBoxes().empty());
+  EXPECT_EQ(demo->Host().ShownBoxes().back().text, "最近文件使用列表中没有文件!");
+  EXPECT_EQ(demo->Host().ShownBoxes().back().answer, port::kAnswerOk);
+}
+
 // ---------------------------------------------------------------- scripts
 
 TEST(DemoScript, WrongScriptsFailWithFileLineAndWhatWasExpected) {
