@@ -161,11 +161,11 @@ std::string SortableList::CellTip(int row, int column) const {
                                                                            : text;
 }
 
-std::string SortableList::ClipboardText() const {
+std::string JoinAsCsv(const std::vector<std::vector<std::string>>& rows, std::size_t columns) {
   std::string text;
-  for (const ListRow& row : rows_) {
-    for (std::size_t c = 0; c < columns_.size(); ++c) {
-      text += c < row.cells.size() ? row.cells[c] : std::string();
+  for (const std::vector<std::string>& row : rows) {
+    for (std::size_t c = 0; c < columns; ++c) {
+      if (c < row.size()) text += row[c];
       text += ',';
     }
     if (!text.empty() && text.back() == ',') text.pop_back();
@@ -173,6 +173,13 @@ std::string SortableList::ClipboardText() const {
   }
   if (!text.empty()) text.pop_back();
   return text;
+}
+
+std::string SortableList::ClipboardText() const {
+  std::vector<std::vector<std::string>> cells;
+  cells.reserve(rows_.size());
+  for (const ListRow& row : rows_) cells.push_back(row.cells);
+  return JoinAsCsv(cells, columns_.size());
 }
 
 void SortableList::GetCellTip(int, int, std::string&) const {}

@@ -99,6 +99,11 @@ std::uint32_t EditorStyle(const ColumnEditMode& mode);
 inline constexpr int kEditorControlId = 1003;
 inline constexpr unsigned kEditorEndNotification = 8;
 
+// The clipboard's text of `rows` cut or padded to `columns` cells: each cell
+// followed by ',', the last ',' of a row dropped and '\n' added, the last '\n'
+// dropped. Nothing is quoted or escaped.
+std::string JoinAsCsv(const std::vector<std::vector<std::string>>& rows, std::size_t columns);
+
 struct ListColumn {
   std::string heading;
   ColumnEditMode mode;
