@@ -72,6 +72,10 @@ class ContextMenu {
   void OnRefreshAllPreviews();
   void TogglePreviewLock();
 
+  // OnMenuSelect: the members of the workset whose entry `id` is, for MenuTip;
+  // empty when the item names no workset.
+  std::string WorksetTip(int id);
+
   const MenuLists& Lists() const { return lists_; }
   FirstKeys Keys() const;
   // Each workset's "All" id and the place of its submenu, while the popup is up.

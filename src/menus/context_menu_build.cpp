@@ -9,6 +9,7 @@
 #include "menus/menu_ids.h"
 #include "menus/menu_text.h"
 #include "menus/templates.h"
+#include "menus/workset_tip.h"
 #include "settings/settings_table.h"
 
 namespace tavlet::menus {
@@ -35,6 +36,11 @@ FirstKeys ContextMenu::Keys() const {
           FirstKey(refs.hyperlinks),
           FirstKey(lists_.layerStates),
           FirstKey(lists_.views)};
+}
+
+std::string ContextMenu::WorksetTip(int id) {
+  return WorksetTipText(id, Keys(), lists_.worksets, services_.worksets, services_.files,
+                        services_.bar.Settings().ShowFullPathInRefs != 0);
 }
 
 std::string ContextMenu::ListText(const DrawingPath& path, bool fullPath) const {
