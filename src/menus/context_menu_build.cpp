@@ -63,6 +63,7 @@ MenuEntry ContextMenu::Build(port::Document document) {
   worksetSubmenus_.clear();
 
   MenuEntry top;
+  bool worksetsShown = false;
   try {
     int nextId = kFirstListId;
     MenuEntry recent;
@@ -87,6 +88,7 @@ MenuEntry ContextMenu::Build(port::Document document) {
     const std::size_t worksetsIndex = top.children.size();
     top.AppendPopup(texts::Worksets, std::move(worksets));
     for (auto& [id, path] : worksetSubmenus_) path.insert(path.begin(), worksetsIndex);
+    worksetsShown = true;
     if (sheetSetsBuilt)
       top.AppendPopup(texts::SheetSets, std::move(sheetSets));
     else
@@ -107,7 +109,7 @@ MenuEntry ContextMenu::Build(port::Document document) {
     }
   } catch (...) {
     // The menu ends here; the last two entries are always there.
-    worksetSubmenus_.clear();
+    if (!worksetsShown) worksetSubmenus_.clear();
   }
   top.Append(ids::Options, texts::Options);
   top.Append(ids::About, texts::About);

@@ -272,5 +272,38 @@ TEST(MenuTree, EachSituationGivesItsWholeTree) {
   }
 }
 
+// The bar's test compares a one-byte name with the id's low byte: ids from 5000
+// have low bytes 0x88 and up, which no one-byte name can hold until the counter
+// passes 5120. Kept as it stands.
+TEST(MenuTree, TheCheckMarkTestIsTheBarsOwn) {
+  struct Case {
+    std::string name;
+    int id;
+    bool checked;
+  };
+  const Case cases[] = {
+      {"A", 5185, true},  {"A", 5184, false}, {"AB", 5185, false},   {"", 5185, false},
+      {"Model", 5000, false}, {"\x88", 5000, true}, {"A", 0x41, true}, {"A", 5185 + 256, true},
+  };
+  for (const Case& c : cases) EXPECT_EQ(ListEntryChecked(c.name, c.id), c.checked) << c.name << " " << c.id;
+}
+
+TEST(MenuTree, TheWorksetSubmenusAreFoundWhileThePopupIsUp) {
+  MenuWorld w;
+  w.AddWorksets("[Site plans]\n[B.v2]\n");
+  w.Start();
+  const MenuEntry top = w.menu->Build(nullptr);
+  ASSERT_EQ(w.menu->WorksetSubmenus().size(), 2u);
+  for (const auto& [id, path] : w.menu->WorksetSubmenus()) {
+    const MenuEntry* submenu = EntryAt(top, path);
+    ASSERT_NE(submenu, nullptr);
+    ASSERT_EQ(submenu->children.size(), 2u);
+    EXPECT_EQ(submenu->children[0].id, id);
+    EXPECT_EQ(submenu->children[1].id, id + 1);
+  }
+  w.menu->EndTracking();
+  EXPECT_TRUE(w.menu->WorksetSubmenus().empty());
+}
+
 }  // namespace
 }  // namespace tavlet::menus
