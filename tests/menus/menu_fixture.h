@@ -20,23 +20,11 @@
 #include "sim/sim_shell.h"
 #include "support/test_paths.h"
 #include "text/codepage.h"
+#include "worksets/workset_fixture.h"
 
 namespace tavlet::menus {
 
 using Lines = std::vector<std::string>;
-
-class TestUser final : public UserEnvironment {
- public:
-  bool AppDataFolder(std::string& folder) override {
-    folder = "C:\\AppData";
-    return true;
-  }
-  std::string ModuleFolder() override { return "C:\\Module\\"; }
-  bool UserName(std::string& name) override {
-    name = "mei";
-    return true;
-  }
-};
 
 class AnsweringChooser final : public content::LayoutChooser {
  public:
@@ -161,7 +149,7 @@ struct MenuWorld {
 
   sim::ModuleHarness h;
   sim::SimShell shell;
-  TestUser user;
+  FixedUser user;  // "mei", application data in C:\AppData
   AnsweringChooser chooser;
   bar::BarModel* bar = nullptr;
   std::unique_ptr<operations::DrawingOperations> ops;
