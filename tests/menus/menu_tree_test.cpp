@@ -272,6 +272,18 @@ TEST(MenuTree, EachSituationGivesItsWholeTree) {
   }
 }
 
+TEST(MenuTree, TheCloseEntryNamesTheDrawingByItsPathOrItsFileName) {
+  MenuWorld w;
+  w.Start();
+  const port::Document saved = w.h.OpenDrawing("C:\\dwg\\项目.v2.dwg");
+  const port::Document untitled = w.h.host.NewDrawing();
+  ASSERT_NE(untitled, nullptr);
+  for (const auto& [doc, text] : {std::pair{saved, "4011 关闭 [项目.v2]"}, std::pair{untitled, "4011 关闭 [Drawing1]"}}) {
+    const std::string tree = w.Tree(doc);
+    EXPECT_EQ(tree.substr(0, tree.find('\n')), text);
+  }
+}
+
 // The bar's test compares a one-byte name with the id's low byte: ids from 5000
 // have low bytes 0x88 and up, which no one-byte name can hold until the counter
 // passes 5120. Kept as it stands.
