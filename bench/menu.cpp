@@ -39,7 +39,9 @@ class BenchUser final : public UserEnvironment {
 
 class NoChooser final : public content::LayoutChooser {
  public:
-  std::vector<std::string> Choose(const std::string&, const std::vector<std::string>&) override { return {}; }
+  std::vector<std::string> Choose(const std::string&, const std::vector<std::string>&) override {
+    return {};
+  }
 };
 
 struct World {
@@ -55,24 +57,38 @@ struct World {
       worksets += Numbered("[Workset ", i, "]\n") + Numbered("文件1=C:\\dwg\\w", i, ".dwg,0\n");
     h.files.AddFile(kWorksetsFile, worksets);
     h.store.SetString("工作集", "路径", kWorksetsFile);
-    for (int i = 0; i < kTemplates; ++i) h.files.AddFile(kTemplateFolder + Numbered("t", i, ".dwt"), "");
-    h.registry.SetValue("Software\\Host\\R16.1\\ACAD-301:804\\Profiles\\<<Unnamed Profile>>\\General",
-                        "TemplatePath", kRegSz, std::string_view(kTemplateFolder, sizeof kTemplateFolder));
+    for (int i = 0; i < kTemplates; ++i)
+      h.files.AddFile(kTemplateFolder + Numbered("t", i, ".dwt"), "");
+    h.registry.SetValue(
+        "Software\\Host\\R16.1\\ACAD-301:804\\Profiles\\<<Unnamed Profile>>\\General",
+        "TemplatePath", kRegSz, std::string_view(kTemplateFolder, sizeof kTemplateFolder));
     h.Load();
     doc = h.host.OpenDescription("tavlet-drawing 1\npicture 1 1 background 0\n", "big.tdd");
     h.host.Find(doc)->content = LargeDrawing();
     bar::BarModel& bar = *h.Bar();
-    auto open = [this](const DrawingPath& p, bool complain, bool restore) { ops->OpenFile(p, complain, restore); };
-    ops = std::make_unique<operations::DrawingOperations>(operations::OperationServices{
-        h.host, host::GetAcadApplication(h.host), h.windows, h.store, h.files, bar.RecentFiles(), shell, nullptr,
-        bar.Window()});
-    store = std::make_unique<WorksetStore>(WorksetServices{h.files, h.store, *h.host.Boxes(), user, "C:\\Data\\", open});
-    sheetSets = std::make_unique<sheetsets::SheetSetCommands>(sheetsets::SheetSetServices{
-        h.host, host::GetAcadApplication(h.host), h.files, h.store, shell, open, nullptr, bar.Window(),
-        ops->hostVersion});
-    menu = std::make_unique<menus::ContextMenu>(menus::MenuServices{h.host, host::GetAcadApplication(h.host),
-                                                                    h.store, h.files, bar, *ops, shell, *store,
-                                                                    *sheetSets, chooser, {}});
+    auto open = [this](const DrawingPath& p, bool complain, bool restore) {
+      ops->OpenFile(p, complain, restore);
+    };
+    ops = std::make_unique<operations::DrawingOperations>(
+        operations::OperationServices{h.host, host::GetAcadApplication(h.host), h.windows, h.store,
+                                      h.files, bar.RecentFiles(), shell, nullptr, bar.Window()});
+    store = std::make_unique<WorksetStore>(
+        WorksetServices{h.files, h.store, *h.host.Boxes(), user, "C:\\Data\\", open});
+    sheetSets = std::make_unique<sheetsets::SheetSetCommands>(
+        sheetsets::SheetSetServices{h.host, host::GetAcadApplication(h.host), h.files, h.store,
+                                    shell, open, nullptr, bar.Window(), ops->hostVersion});
+    menu =
+        std::make_unique<menus::ContextMenu>(menus::MenuServices{h.host,
+                                                                 host::GetAcadApplication(h.host),
+                                                                 h.store,
+                                                                 h.files,
+                                                                 bar,
+                                                                 *ops,
+                                                                 shell,
+                                                                 *store,
+                                                                 *sheetSets,
+                                                                 chooser,
+                                                                 {}});
   }
 
   sim::ModuleHarness h;

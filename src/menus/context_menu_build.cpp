@@ -166,7 +166,8 @@ MenuEntry ContextMenu::BuildSheetSets(int& nextId, bool& built) {
   }
   menu.AppendPopup(texts::RecentSheetSets, std::move(recent));
   MenuEntry found;
-  for (const auto& [id, path] : sheetSets.foundSheetSets) found.Append(id, ListText(path, fullPath));
+  for (const auto& [id, path] : sheetSets.foundSheetSets)
+    found.Append(id, ListText(path, fullPath));
   menu.AppendPopup(texts::FoundSheetSets, std::move(found));
   return menu;
 }
@@ -175,8 +176,8 @@ MenuEntry ContextMenu::BuildNewDrawing(int& nextId) {
   MenuEntry menu;
   menu.Append(ids::ChangeTemplatePath, texts::ChangeTemplatePath);
   menu.Append(ids::NewDrawing, texts::NewDrawing);
-  const std::string folder =
-      operations::ReadTemplatePath(operations::TemplatePathKey(services_.session), services_.settings);
+  const std::string folder = operations::ReadTemplatePath(
+      operations::TemplatePathKey(services_.session), services_.settings);
   ListTemplates(nextId, lists_.templates, folder, services_.files);
   for (const auto& [id, path] : lists_.templates) menu.Append(id, path.Name);
   return menu;
@@ -194,14 +195,16 @@ void ContextMenu::BuildDrawingBlock(MenuEntry& top, int& nextId) {
   const port::Document document = services_.operations.contextDocument;
   port::DocManager& documents = *services_.session.Documents();
 
-  top.Append(ids::Close, FormatText(texts::Close, {DocumentNamePart(documents, document, services_.files)}));
+  top.Append(ids::Close,
+             FormatText(texts::Close, {DocumentNamePart(documents, document, services_.files)}));
   top.Append(ids::OpenFolder, texts::OpenFolder);
   if (!services_.bar.TabMode()) {
     if (const bar::DocEntry* entry = services_.bar.Strip().FindEntry(document)) {
       if (services_.bar.Settings().AutoUpdatePreviews == 0)
         top.Append(ids::RefreshPreview, texts::RefreshPreview);
       else
-        top.Append(ids::LockPreview, texts::LockPreview, entry->previewLocked ? kChecked : kEnabled);
+        top.Append(ids::LockPreview, texts::LockPreview,
+                   entry->previewLocked ? kChecked : kEnabled);
     }
   }
 
@@ -238,7 +241,8 @@ void ContextMenu::BuildDrawingBlock(MenuEntry& top, int& nextId) {
 
 MenuEntry ContextMenu::BuildReferences(int& nextId, port::Database db) {
   content::ReferenceSet& refs = lists_.references;
-  content::CollectReferences(nextId, refs, *services_.session.Databases(), db, true, services_.files);
+  content::CollectReferences(nextId, refs, *services_.session.Databases(), db, true,
+                             services_.files);
   // A block table that won't open leaves all four lists empty; each still gets
   // its "没有找到", in order, so that no list loses its range.
   for (content::IdMap<DrawingPath>* list :

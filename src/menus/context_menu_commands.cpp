@@ -25,7 +25,9 @@ void ContextMenu::ShowBox(const std::string& text) {
   services_.session.Boxes()->Show(text.c_str(), port::kBoxOk, &answer);
 }
 
-void ContextMenu::Print(const std::string& text) { services_.session.EditorService()->Print(text.c_str()); }
+void ContextMenu::Print(const std::string& text) {
+  services_.session.EditorService()->Print(text.c_str());
+}
 
 port::Document ContextMenu::CurrentDocument() {
   port::Document current = nullptr;
@@ -65,35 +67,82 @@ bool ContextMenu::RunFixedCommand(int id) {
     if (show) show();
   };
   switch (id) {
-    case ids::SaveAll: ops.OnSaveAll(); break;
-    case ids::CloseAll: ops.OnCloseAll(); break;
-    case ids::SaveAndCloseAll: ops.OnSaveAndCloseAll(); break;
-    case ids::CloseAllNoSave: ops.OnCloseAllNoSave(); break;
-    case ids::Close: ops.OnClose(); break;
-    case ids::Plot: ops.OnPlot(); break;
-    case ids::QuickPlotAll: ops.OnQuickPlotAll(); break;
-    case ids::PlotSetup: ops.OnPlotSetup(); break;
-    case ids::PlotAll: ops.OnPlotAll(); break;
-    case ids::About: dialog(services_.dialogs.about); break;
-    case ids::ChangeTemplatePath: ops.OnChangeTemplatePath(); break;
-    case ids::NewDrawing: ops.OnNewDrawing(); break;
-    case ids::ManageWorksets: dialog(services_.dialogs.manageWorksets); break;
-    case ids::SheetSetSearchPath: services_.sheetSets.ChooseSearchPath(); break;
-    case ids::OpenSheetSetInManager: services_.sheetSets.ToggleOpenInManager(); break;
-    case ids::ExitSaveAll: ops.OnExitSaveAll(); break;
-    case ids::ExitNoSave: ops.OnExitNoSave(); break;
-    case ids::LockPreview: TogglePreviewLock(); break;
-    case ids::OpenFolder: OnOpenFolder(); break;
-    case ids::SaveView: ops.OnSaveView(); break;
-    case ids::RefreshPreview: OnRefreshPreview(); break;
-    case ids::RefreshAllPreviews: OnRefreshAllPreviews(); break;
+    case ids::SaveAll:
+      ops.OnSaveAll();
+      break;
+    case ids::CloseAll:
+      ops.OnCloseAll();
+      break;
+    case ids::SaveAndCloseAll:
+      ops.OnSaveAndCloseAll();
+      break;
+    case ids::CloseAllNoSave:
+      ops.OnCloseAllNoSave();
+      break;
+    case ids::Close:
+      ops.OnClose();
+      break;
+    case ids::Plot:
+      ops.OnPlot();
+      break;
+    case ids::QuickPlotAll:
+      ops.OnQuickPlotAll();
+      break;
+    case ids::PlotSetup:
+      ops.OnPlotSetup();
+      break;
+    case ids::PlotAll:
+      ops.OnPlotAll();
+      break;
+    case ids::About:
+      dialog(services_.dialogs.about);
+      break;
+    case ids::ChangeTemplatePath:
+      ops.OnChangeTemplatePath();
+      break;
+    case ids::NewDrawing:
+      ops.OnNewDrawing();
+      break;
+    case ids::ManageWorksets:
+      dialog(services_.dialogs.manageWorksets);
+      break;
+    case ids::SheetSetSearchPath:
+      services_.sheetSets.ChooseSearchPath();
+      break;
+    case ids::OpenSheetSetInManager:
+      services_.sheetSets.ToggleOpenInManager();
+      break;
+    case ids::ExitSaveAll:
+      ops.OnExitSaveAll();
+      break;
+    case ids::ExitNoSave:
+      ops.OnExitNoSave();
+      break;
+    case ids::LockPreview:
+      TogglePreviewLock();
+      break;
+    case ids::OpenFolder:
+      OnOpenFolder();
+      break;
+    case ids::SaveView:
+      ops.OnSaveView();
+      break;
+    case ids::RefreshPreview:
+      OnRefreshPreview();
+      break;
+    case ids::RefreshAllPreviews:
+      OnRefreshAllPreviews();
+      break;
     case ids::CurrentDocumentOnly: {
       port::Document ignored = nullptr;
       services_.session.Documents()->CurrentDocument(&ignored);
       break;
     }
-    case ids::Options: dialog(services_.dialogs.options); break;
-    default: return false;
+    case ids::Options:
+      dialog(services_.dialogs.options);
+      break;
+    default:
+      return false;
   }
   return true;
 }
@@ -106,7 +155,8 @@ bool ContextMenu::RunListCommand(int id) {
       RecentFileList& recent = services_.bar.RecentFiles();
       const std::size_t index = static_cast<std::size_t>(id - kFirstListId);
       if (index < recent.Count())
-        services_.operations.OpenFile(ParseRecentEntry(recent.At(index), services_.files), true, true);
+        services_.operations.OpenFile(ParseRecentEntry(recent.At(index), services_.files), true,
+                                      true);
       return false;
     }
     case MenuList::Worksets:
@@ -134,10 +184,11 @@ bool ContextMenu::RunListCommand(int id) {
     case MenuList::Hyperlinks: {
       const content::ReferenceSet& refs = lists_.references;
       const MenuList list = ListOf(id, Keys());
-      const DrawingPath& path = list == MenuList::ExternalReferences ? entry(refs.externalReferences)
-                                : list == MenuList::Images           ? entry(refs.images)
-                                : list == MenuList::OleLinks         ? entry(refs.oleLinks)
-                                                                     : entry(refs.hyperlinks);
+      const DrawingPath& path = list == MenuList::ExternalReferences
+                                    ? entry(refs.externalReferences)
+                                : list == MenuList::Images   ? entry(refs.images)
+                                : list == MenuList::OleLinks ? entry(refs.oleLinks)
+                                                             : entry(refs.hyperlinks);
       services_.operations.OpenFile(ParseRecentEntry(path.Full, services_.files), true, true);
       return false;
     }
@@ -155,9 +206,8 @@ bool ContextMenu::OpenWorksetEntry(const DrawingPath& entry) {
   const std::string& full = entry.Full;
   if (full == content::kNotFound) return true;
   if (std::strncmp(full.c_str(), workset_texts::kSelectMarker, kSelectCompareLength) == 0) {
-    services_.worksets.SelectAndOpenWorkset(full.size() > kSelectCompareLength
-                                                ? full.substr(kSelectCompareLength)
-                                                : std::string());
+    services_.worksets.SelectAndOpenWorkset(
+        full.size() > kSelectCompareLength ? full.substr(kSelectCompareLength) : std::string());
   } else {
     services_.worksets.OpenWorkset(full);
   }
@@ -220,7 +270,8 @@ bool ContextMenu::RestoreView(const content::ViewEntry& entry) {
     // zoom window on its layout.
     std::string layout = entry.layout;
     if (layout.empty())
-      layout = content::AssignViewLayout(entry.name, services_.session, context, services_.layoutChooser);
+      layout = content::AssignViewLayout(entry.name, services_.session, context,
+                                         services_.layoutChooser);
     if (layout.empty()) return true;
     document.PutActiveLayout(document.Layouts().Item(layout));
     const double height = view.Height();

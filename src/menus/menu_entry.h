@@ -11,14 +11,14 @@ namespace tavlet::menus {
 
 enum MenuFlags : unsigned {
   kEnabled = 0x0000,
-  kGrayed = 0x0001,    // MF_GRAYED
-  kChecked = 0x0008,   // MF_CHECKED
-  kPopup = 0x0010,     // MF_POPUP: the entry opens `children`
-  kSeparator = 0x0800, // MF_SEPARATOR
+  kGrayed = 0x0001,     // MF_GRAYED
+  kChecked = 0x0008,    // MF_CHECKED
+  kPopup = 0x0010,      // MF_POPUP: the entry opens `children`
+  kSeparator = 0x0800,  // MF_SEPARATOR
 };
 
 struct MenuEntry {
-  int id = 0;  // 0 for a submenu and a separator
+  int id = 0;        // 0 for a submenu and a separator
   std::string text;  // code page 936 bytes
   unsigned flags = kEnabled;
   std::vector<MenuEntry> children;

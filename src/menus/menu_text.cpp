@@ -19,7 +19,8 @@ std::string FormatText(std::string_view format, std::initializer_list<std::strin
   return out;
 }
 
-std::string DocumentNamePart(port::DocManager& documents, port::Document document, FileSystem& files) {
+std::string DocumentNamePart(port::DocManager& documents, port::Document document,
+                             FileSystem& files) {
   host::StringSink path;
   if (port::Failed(documents.PathName(document, &path))) path.text.clear();
   std::string name = DrawingPath(path.text, files).Name;

@@ -18,6 +18,7 @@ std::string FormatText(std::string_view format, std::initializer_list<std::strin
 // The name part (no extension) of the drawing's saved path, or of its file name
 // when that part is empty (a drawing never saved). A failing host call counts as
 // empty text.
-std::string DocumentNamePart(port::DocManager& documents, port::Document document, FileSystem& files);
+std::string DocumentNamePart(port::DocManager& documents, port::Document document,
+                             FileSystem& files);
 
 }  // namespace tavlet::menus

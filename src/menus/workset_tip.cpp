@@ -19,8 +19,9 @@ std::string FirstToken(const std::string& value) {
 
 }  // namespace
 
-std::string WorksetTipText(int id, const FirstKeys& keys, const content::IdMap<DrawingPath>& worksets,
-                           WorksetStore& store, FileSystem& files, bool fullPath) {
+std::string WorksetTipText(int id, const FirstKeys& keys,
+                           const content::IdMap<DrawingPath>& worksets, WorksetStore& store,
+                           FileSystem& files, bool fullPath) {
   const std::optional<int>& first = keys[static_cast<std::size_t>(MenuList::Worksets)];
   const std::optional<int>& next = keys[static_cast<std::size_t>(MenuList::RecentSheetSets)];
   if (!first || !next || id < *first || id >= *next) return {};
@@ -50,8 +51,8 @@ std::string WorksetTipText(int id, const FirstKeys& keys, const content::IdMap<D
   return tip;
 }
 
-TipPosition PlaceMenuTip(const host::WindowRect& item, long bubbleWidth, long bubbleHeight, long maxTrackWidth,
-                         long maxTrackHeight) {
+TipPosition PlaceMenuTip(const host::WindowRect& item, long bubbleWidth, long bubbleHeight,
+                         long maxTrackWidth, long maxTrackHeight) {
   TipPosition at{item.right + 1, item.top};
   if (at.x + bubbleWidth > maxTrackWidth) at.x = item.left - bubbleWidth - 1;
   if (at.y + bubbleHeight > maxTrackHeight) at.y = maxTrackHeight - bubbleHeight;

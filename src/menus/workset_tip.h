@@ -19,8 +19,9 @@ namespace tavlet::menus {
 // both lists holding entries) and its entry names a workset (not empty, not
 // "没有找到", not a "<选择>" twin). Each member whose value holds a token before
 // a ',' gives that path, in full or by name and extension, one a line.
-std::string WorksetTipText(int id, const FirstKeys& keys, const content::IdMap<DrawingPath>& worksets,
-                           WorksetStore& store, FileSystem& files, bool fullPath);
+std::string WorksetTipText(int id, const FirstKeys& keys,
+                           const content::IdMap<DrawingPath>& worksets, WorksetStore& store,
+                           FileSystem& files, bool fullPath);
 
 struct TipPosition {
   long x = 0, y = 0;
@@ -29,7 +30,7 @@ struct TipPosition {
 // Right of the item, one pixel off; left of it when the bubble would pass the
 // largest window's width. At the item's top, or raised to end at the largest
 // window's height.
-TipPosition PlaceMenuTip(const host::WindowRect& item, long bubbleWidth, long bubbleHeight, long maxTrackWidth,
-                         long maxTrackHeight);
+TipPosition PlaceMenuTip(const host::WindowRect& item, long bubbleWidth, long bubbleHeight,
+                         long maxTrackWidth, long maxTrackHeight);
 
 }  // namespace tavlet::menus

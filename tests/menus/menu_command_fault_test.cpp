@@ -32,13 +32,15 @@ struct Sweep : MenuWorld {
 };
 
 bool Expected(const std::string& message) {
-  for (const char* start : {"指定路径的文件不存在", "Error restoring layer state ", "未知的错误在 MvTavlet"})
+  for (const char* start :
+       {"指定路径的文件不存在", "Error restoring layer state ", "未知的错误在 MvTavlet"})
     if (message.rfind(start, 0) == 0) return true;
   const std::string alreadyOpen = "已经打开!\n";
   return message.find("injected") != std::string::npos || message == workset_texts::kNoFiles ||
          message == texts::OleLinkManagerMissing ||
          (message.size() > alreadyOpen.size() &&
-          message.compare(message.size() - alreadyOpen.size(), alreadyOpen.size(), alreadyOpen) == 0);
+          message.compare(message.size() - alreadyOpen.size(), alreadyOpen.size(), alreadyOpen) ==
+              0);
 }
 
 TEST(MenuCommandFaults, EveryCallOfEveryActionFailingEndsCleanly) {
@@ -52,7 +54,8 @@ TEST(MenuCommandFaults, EveryCallOfEveryActionFailingEndsCleanly) {
       {"layer state", [](MenuWorld& w) { return MenuWorld::IdOf(w.last, "墙体关闭"); }},
       {"model view", [](MenuWorld& w) { return MenuWorld::IdOf(w.last, "入口"); }},
       {"paper view", [](MenuWorld& w) { return MenuWorld::IdOf(w.last, "Sheet A"); }},
-      {"paper view asking its layout", [](MenuWorld& w) { return MenuWorld::IdOf(w.last, "Old sheet"); }},
+      {"paper view asking its layout",
+       [](MenuWorld& w) { return MenuWorld::IdOf(w.last, "Old sheet"); }},
       {"open folder", [](MenuWorld&) { return ids::OpenFolder; }},
       {"refresh preview", [](MenuWorld&) { return ids::RefreshPreview; }},
       {"refresh all previews", [](MenuWorld&) { return ids::RefreshAllPreviews; }},
@@ -89,7 +92,9 @@ TEST(MenuCommandFaults, EveryCallOfEveryActionFailingEndsCleanly) {
         EXPECT_LE(boxes.size(), 1u);
         for (const std::string& box : boxes) {
           EXPECT_TRUE(Expected(box)) << text::ToUtf8(box);
-          ++messages[box.rfind("错误 [0x", 0) == 0 ? "handler's box" : box == "injected" ? "description alone" : "other box"];
+          ++messages[box.rfind("错误 [0x", 0) == 0 ? "handler's box"
+                     : box == "injected"           ? "description alone"
+                                                   : "other box"];
         }
         const std::string& transcript = s.h.host.Transcript();
         if (!transcript.empty()) {

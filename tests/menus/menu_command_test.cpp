@@ -263,9 +263,9 @@ TEST_F(MenuCommandTest, FixedIdsReachTheirHandlers) {
   EXPECT_NE(DescribeMenu(last).find("4032 在管理器中打开图纸集 (checked)"), std::string::npos);
 
   int about = 0;
-  menu = std::make_unique<ContextMenu>(MenuServices{h.host, host::GetAcadApplication(h.host), h.store, h.files,
-                                                    *bar, *ops, shell, *worksets, *sheetSets, chooser,
-                                                    MenuDialogs{[&] { ++about; }, {}, {}}});
+  menu = std::make_unique<ContextMenu>(
+      MenuServices{h.host, host::GetAcadApplication(h.host), h.store, h.files, *bar, *ops, shell,
+                   *worksets, *sheetSets, chooser, MenuDialogs{[&] { ++about; }, {}, {}}});
   EXPECT_TRUE(menu->OnCommand(ids::About));
   EXPECT_TRUE(menu->OnCommand(ids::Options));  // no dialog given: taken, nothing happens
   EXPECT_EQ(about, 1);

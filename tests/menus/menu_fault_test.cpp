@@ -97,7 +97,8 @@ TEST(MenuFaults, EveryCallOfTheBuildFailingLeavesAUsableMenu) {
   for (const std::string& call : calls) {
     const int occurrence = ++seen[call];
     for (port::Result error : {port::kFail, port::kHostException}) {
-      SCOPED_TRACE(call + " #" + std::to_string(occurrence) + (error == port::kFail ? " fails" : " throws"));
+      SCOPED_TRACE(call + " #" + std::to_string(occurrence) +
+                   (error == port::kFail ? " fails" : " throws"));
       s.h.host.Faults().Fail(call, occurrence, error, "injected");
       const std::string tree = s.Tree(s.plan);
       s.h.host.Faults().Clear();

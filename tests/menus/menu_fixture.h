@@ -28,7 +28,8 @@ using Lines = std::vector<std::string>;
 
 class AnsweringChooser final : public content::LayoutChooser {
  public:
-  std::vector<std::string> Choose(const std::string& title, const std::vector<std::string>& names) override {
+  std::vector<std::string> Choose(const std::string& title,
+                                  const std::vector<std::string>& names) override {
     asked.push_back(title + ":" + std::to_string(names.size()));
     return answer;
   }
@@ -52,7 +53,8 @@ inline std::string SampleText(const std::string& name) {
 // "<B2>" and "<BD>" in an expected tree stand for the lone lead bytes that end
 // the two cut texts.
 inline std::string Bytes(std::string tree) {
-  for (const auto& [mark, byte] : {std::pair<const char*, const char*>{"<B2>", "\xB2"}, {"<BD>", "\xBD"}}) {
+  for (const auto& [mark, byte] :
+       {std::pair<const char*, const char*>{"<B2>", "\xB2"}, {"<BD>", "\xBD"}}) {
     for (std::size_t at = tree.find(mark); at != std::string::npos; at = tree.find(mark, at))
       tree.replace(at, 4, byte);
   }
@@ -73,18 +75,20 @@ struct MenuWorld {
     ASSERT_EQ(h.Load(), 0);
     bar = h.Bar();
     ASSERT_NE(bar, nullptr);
-    ops = std::make_unique<operations::DrawingOperations>(operations::OperationServices{
-        h.host, host::GetAcadApplication(h.host), h.windows, h.store, h.files, bar->RecentFiles(), shell,
-        nullptr, bar->Window()});
-    auto open = [this](const DrawingPath& p, bool complain, bool restore) { ops->OpenFile(p, complain, restore); };
-    worksets = std::make_unique<WorksetStore>(
-        WorksetServices{h.files, h.store, *h.host.Boxes(), user, "C:\\AppData\\Morvane\\Tavlet\\", open});
-    sheetSets = std::make_unique<sheetsets::SheetSetCommands>(sheetsets::SheetSetServices{
-        h.host, host::GetAcadApplication(h.host), h.files, h.store, shell, open, nullptr, bar->Window(),
-        ops->hostVersion});
-    menu = std::make_unique<ContextMenu>(MenuServices{h.host, host::GetAcadApplication(h.host), h.store, h.files,
-                                                      *bar, *ops, shell, *worksets, *sheetSets, chooser,
-                                                      MenuDialogs{}});
+    ops = std::make_unique<operations::DrawingOperations>(
+        operations::OperationServices{h.host, host::GetAcadApplication(h.host), h.windows, h.store,
+                                      h.files, bar->RecentFiles(), shell, nullptr, bar->Window()});
+    auto open = [this](const DrawingPath& p, bool complain, bool restore) {
+      ops->OpenFile(p, complain, restore);
+    };
+    worksets = std::make_unique<WorksetStore>(WorksetServices{
+        h.files, h.store, *h.host.Boxes(), user, "C:\\AppData\\Morvane\\Tavlet\\", open});
+    sheetSets = std::make_unique<sheetsets::SheetSetCommands>(
+        sheetsets::SheetSetServices{h.host, host::GetAcadApplication(h.host), h.files, h.store,
+                                    shell, open, nullptr, bar->Window(), ops->hostVersion});
+    menu = std::make_unique<ContextMenu>(
+        MenuServices{h.host, host::GetAcadApplication(h.host), h.store, h.files, *bar, *ops, shell,
+                     *worksets, *sheetSets, chooser, MenuDialogs{}});
   }
 
   port::Document OpenPlan() {
@@ -104,19 +108,32 @@ struct MenuWorld {
   bool Holds(MenuList list, int id) const {
     const MenuLists& l = menu->Lists();
     switch (list) {
-      case MenuList::RecentFiles: return static_cast<std::size_t>(id - kFirstListId) < bar->RecentFiles().Count();
-      case MenuList::Worksets: return l.worksets.count(id) != 0;
-      case MenuList::RecentSheetSets: return sheetSets->recentSheetSets.count(id) != 0;
-      case MenuList::FoundSheetSets: return sheetSets->foundSheetSets.count(id) != 0;
-      case MenuList::Templates: return l.templates.count(id) != 0;
-      case MenuList::Layouts: return l.layouts.count(id) != 0;
-      case MenuList::ExternalReferences: return l.references.externalReferences.count(id) != 0;
-      case MenuList::Images: return l.references.images.count(id) != 0;
-      case MenuList::OleLinks: return l.references.oleLinks.count(id) != 0;
-      case MenuList::Hyperlinks: return l.references.hyperlinks.count(id) != 0;
-      case MenuList::LayerStates: return l.layerStates.count(id) != 0;
-      case MenuList::Views: return l.views.count(id) != 0;
-      case MenuList::None: break;
+      case MenuList::RecentFiles:
+        return static_cast<std::size_t>(id - kFirstListId) < bar->RecentFiles().Count();
+      case MenuList::Worksets:
+        return l.worksets.count(id) != 0;
+      case MenuList::RecentSheetSets:
+        return sheetSets->recentSheetSets.count(id) != 0;
+      case MenuList::FoundSheetSets:
+        return sheetSets->foundSheetSets.count(id) != 0;
+      case MenuList::Templates:
+        return l.templates.count(id) != 0;
+      case MenuList::Layouts:
+        return l.layouts.count(id) != 0;
+      case MenuList::ExternalReferences:
+        return l.references.externalReferences.count(id) != 0;
+      case MenuList::Images:
+        return l.references.images.count(id) != 0;
+      case MenuList::OleLinks:
+        return l.references.oleLinks.count(id) != 0;
+      case MenuList::Hyperlinks:
+        return l.references.hyperlinks.count(id) != 0;
+      case MenuList::LayerStates:
+        return l.layerStates.count(id) != 0;
+      case MenuList::Views:
+        return l.views.count(id) != 0;
+      case MenuList::None:
+        break;
     }
     return false;
   }
@@ -128,8 +145,8 @@ struct MenuWorld {
       if (e.IsPopup()) ExpectIdsResolve(e);
       if (e.id < kFirstListId || e.text == texts::NoRecentFiles) continue;
       const MenuList list = ListOf(e.id, this->menu->Keys());
-      EXPECT_TRUE(Holds(list, e.id)) << e.id << " " << text::ToUtf8(e.text) << " in list "
-                                     << static_cast<int>(list);
+      EXPECT_TRUE(Holds(list, e.id))
+          << e.id << " " << text::ToUtf8(e.text) << " in list " << static_cast<int>(list);
     }
   }
   // The first id whose entry has `text` somewhere in the tree; 0 when none.

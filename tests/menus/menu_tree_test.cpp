@@ -140,7 +140,8 @@ std::string IdsAfterFirstLessOne(const std::string& tree) {
     std::string line = tree.substr(start, end - start);
     const std::size_t digits = line.find_first_not_of(' ');
     const int id = std::atoi(line.c_str() + digits);
-    if (id > kFirstListId) line = line.substr(0, digits) + std::to_string(id - 1) + line.substr(digits + 4);
+    if (id > kFirstListId)
+      line = line.substr(0, digits) + std::to_string(id - 1) + line.substr(digits + 4);
     out += line + "\n";
     start = end + 1;
   }
@@ -177,7 +178,8 @@ TEST(MenuTree, EachSituationGivesItsWholeTree) {
       {"no drawing, previews not updated", set(keys::AutoUpdatePreviews, 0), onEmptyBar,
        "4053 刷新预览\n" + kNoDrawing},
       {"empty bar", nothing, onBar, kTail},
-      {"empty bar, previews not updated", set(keys::AutoUpdatePreviews, 0), onBar, "4053 刷新预览\n" + kTail},
+      {"empty bar, previews not updated", set(keys::AutoUpdatePreviews, 0), onBar,
+       "4053 刷新预览\n" + kTail},
       {"empty bar in tab mode, previews not updated",
        [](MenuWorld& w) {
          w.h.SetSetting(keys::AutoUpdatePreviews, 0);
@@ -185,7 +187,8 @@ TEST(MenuTree, EachSituationGivesItsWholeTree) {
        },
        onBar, kTail},
       {"the plan", nothing, onPlan, kPlan},
-      {"the plan in tab mode", set(keys::TabMode, 1), onPlan, Replace(kPlan, "4039 锁定预览\n", "")},
+      {"the plan in tab mode", set(keys::TabMode, 1), onPlan,
+       Replace(kPlan, "4039 锁定预览\n", "")},
       {"the plan, previews not updated", set(keys::AutoUpdatePreviews, 0), onPlan,
        Replace(kPlan, "4039 锁定预览", "4051 刷新预览")},
       {"the plan, its preview locked", nothing,
@@ -202,9 +205,10 @@ TEST(MenuTree, EachSituationGivesItsWholeTree) {
          return plan;
        },
        Replace(kPlan, "  4050 保存...\n", "")},
-      {"the plan, host 16.0", [](MenuWorld& w) { w.h.host.SetVersionText("16.0s (LMS Tech)"); }, onPlan,
-       Replace(kPlan, kSheetSetsMenu, "0 图纸集 (grayed)\n")},
-      {"the plan, new menu disabled", set(keys::DisableNewMenu, 1), onPlan, Replace(kPlan, kNewMenu, "")},
+      {"the plan, host 16.0", [](MenuWorld& w) { w.h.host.SetVersionText("16.0s (LMS Tech)"); },
+       onPlan, Replace(kPlan, kSheetSetsMenu, "0 图纸集 (grayed)\n")},
+      {"the plan, new menu disabled", set(keys::DisableNewMenu, 1), onPlan,
+       Replace(kPlan, kNewMenu, "")},
       {"the plan, sheet sets opened in the manager", set(keys::OpenSheetSetInSSM, 1), onPlan,
        Replace(kPlan, "4032 在管理器中打开图纸集", "4032 在管理器中打开图纸集 (checked)")},
       {"the plan, references by full path", set(keys::ShowFullPathInRefs, 1), onPlan,
@@ -278,7 +282,8 @@ TEST(MenuTree, TheCloseEntryNamesTheDrawingByItsPathOrItsFileName) {
   const port::Document saved = w.h.OpenDrawing("C:\\dwg\\项目.v2.dwg");
   const port::Document untitled = w.h.host.NewDrawing();
   ASSERT_NE(untitled, nullptr);
-  for (const auto& [doc, text] : {std::pair{saved, "4011 关闭 [项目.v2]"}, std::pair{untitled, "4011 关闭 [Drawing1]"}}) {
+  for (const auto& [doc, text] :
+       {std::pair{saved, "4011 关闭 [项目.v2]"}, std::pair{untitled, "4011 关闭 [Drawing1]"}}) {
     const std::string tree = w.Tree(doc);
     EXPECT_EQ(tree.substr(0, tree.find('\n')), text);
   }
@@ -294,10 +299,11 @@ TEST(MenuTree, TheCheckMarkTestIsTheBarsOwn) {
     bool checked;
   };
   const Case cases[] = {
-      {"A", 5185, true},  {"A", 5184, false}, {"AB", 5185, false},   {"", 5185, false},
-      {"Model", 5000, false}, {"\x88", 5000, true}, {"A", 0x41, true}, {"A", 5185 + 256, true},
+      {"A", 5185, true},      {"A", 5184, false},   {"AB", 5185, false}, {"", 5185, false},
+      {"Model", 5000, false}, {"\x88", 5000, true}, {"A", 0x41, true},   {"A", 5185 + 256, true},
   };
-  for (const Case& c : cases) EXPECT_EQ(ListEntryChecked(c.name, c.id), c.checked) << c.name << " " << c.id;
+  for (const Case& c : cases)
+    EXPECT_EQ(ListEntryChecked(c.name, c.id), c.checked) << c.name << " " << c.id;
 }
 
 TEST(MenuTree, TheWorksetSubmenusAreFoundWhileThePopupIsUp) {

@@ -1,7 +1,7 @@
 // The workset tip of the open menu: which items name a workset, what the tip
 // lists, and where it goes beside the item.
-#include "menu_fixture.h"
 #include "menus/workset_tip.h"
+#include "menu_fixture.h"
 
 namespace tavlet::menus {
 namespace {
@@ -24,7 +24,8 @@ TEST(WorksetTip, OnlyAWorksetsAllEntryShowsItsMembers) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
     MenuWorld w;
-    w.AddWorksets("[Site plans]\n文件1=C:\\dwg\\a.dwg,0\n文件2=,,C:\\dwg\\sub\\b.dwg,1\n文件3=,\n[B.v2]\n");
+    w.AddWorksets(
+        "[Site plans]\n文件1=C:\\dwg\\a.dwg,0\n文件2=,,C:\\dwg\\sub\\b.dwg,1\n文件3=,\n[B.v2]\n");
     w.h.SetSetting(keys::ShowFullPathInRefs, c.fullPath);
     w.Start();
     w.Tree(nullptr);
@@ -46,7 +47,7 @@ TEST(WorksetTip, TheTipGoesBesideItsItemWithinTheLargestWindow) {
   };
   const Case cases[] = {
       {{100, 50, 200, 70}, 201, 50},
-      {{900, 50, 1000, 70}, 749, 50},   // no room on the right: left of the item
+      {{900, 50, 1000, 70}, 749, 50},    // no room on the right: left of the item
       {{100, 750, 200, 770}, 201, 728},  // raised to end at the bottom
       {{873, 50, 873, 70}, 874, 50},     // ends exactly at the width: stays right
   };
