@@ -54,6 +54,8 @@ bool ListEntryChecked(const std::string& activeName, int id);
 class ContextMenu {
  public:
   explicit ContextMenu(MenuServices services);
+  ContextMenu(const ContextMenu&) = delete;  // the message map holds `this`
+  ContextMenu& operator=(const ContextMenu&) = delete;
 
   // The menu for a right click on `document` (null: empty bar). Sets
   // contextDocument, refills every list, and always ends with "选项..." and the
@@ -82,6 +84,7 @@ class ContextMenu {
   const std::map<int, MenuPath>& WorksetSubmenus() const { return worksetSubmenus_; }
 
  private:
+  void MapFixedCommands();
   // The message map: false when no handler has the id.
   bool RunFixedCommand(int id);
   // The dynamic id's action; true when it returns 1 of its own.
@@ -107,6 +110,7 @@ class ContextMenu {
   void Guarded(const char* line, Body body);
 
   MenuServices services_;
+  std::map<int, std::function<void()>> messageMap_;
   MenuLists lists_;
   std::map<int, MenuPath> worksetSubmenus_;
 };

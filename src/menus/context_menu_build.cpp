@@ -19,7 +19,9 @@ bool ListEntryChecked(const std::string& activeName, int id) {
          static_cast<unsigned char>(activeName[0]) == static_cast<unsigned char>(id & 0xFF);
 }
 
-ContextMenu::ContextMenu(MenuServices services) : services_(std::move(services)) {}
+ContextMenu::ContextMenu(MenuServices services) : services_(std::move(services)) {
+  MapFixedCommands();
+}
 
 FirstKeys ContextMenu::Keys() const {
   const sheetsets::SheetSetCommands& sheetSets = services_.sheetSets;

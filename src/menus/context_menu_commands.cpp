@@ -61,89 +61,53 @@ bool ContextMenu::OnCommand(int id) {
   return RunFixedCommand(id);
 }
 
-bool ContextMenu::RunFixedCommand(int id) {
+// The message map of the bar's fixed ids.
+void ContextMenu::MapFixedCommands() {
   operations::DrawingOperations& ops = services_.operations;
-  auto dialog = [](const std::function<void()>& show) {
-    if (show) show();
+  sheetsets::SheetSetCommands& sheetSets = services_.sheetSets;
+  const MenuDialogs& dialogs = services_.dialogs;
+  auto show = [](const std::function<void()>& dialog) {
+    return [&dialog] {
+      if (dialog) dialog();
+    };
   };
-  switch (id) {
-    case ids::SaveAll:
-      ops.OnSaveAll();
-      break;
-    case ids::CloseAll:
-      ops.OnCloseAll();
-      break;
-    case ids::SaveAndCloseAll:
-      ops.OnSaveAndCloseAll();
-      break;
-    case ids::CloseAllNoSave:
-      ops.OnCloseAllNoSave();
-      break;
-    case ids::Close:
-      ops.OnClose();
-      break;
-    case ids::Plot:
-      ops.OnPlot();
-      break;
-    case ids::QuickPlotAll:
-      ops.OnQuickPlotAll();
-      break;
-    case ids::PlotSetup:
-      ops.OnPlotSetup();
-      break;
-    case ids::PlotAll:
-      ops.OnPlotAll();
-      break;
-    case ids::About:
-      dialog(services_.dialogs.about);
-      break;
-    case ids::ChangeTemplatePath:
-      ops.OnChangeTemplatePath();
-      break;
-    case ids::NewDrawing:
-      ops.OnNewDrawing();
-      break;
-    case ids::ManageWorksets:
-      dialog(services_.dialogs.manageWorksets);
-      break;
-    case ids::SheetSetSearchPath:
-      services_.sheetSets.ChooseSearchPath();
-      break;
-    case ids::OpenSheetSetInManager:
-      services_.sheetSets.ToggleOpenInManager();
-      break;
-    case ids::ExitSaveAll:
-      ops.OnExitSaveAll();
-      break;
-    case ids::ExitNoSave:
-      ops.OnExitNoSave();
-      break;
-    case ids::LockPreview:
-      TogglePreviewLock();
-      break;
-    case ids::OpenFolder:
-      OnOpenFolder();
-      break;
-    case ids::SaveView:
-      ops.OnSaveView();
-      break;
-    case ids::RefreshPreview:
-      OnRefreshPreview();
-      break;
-    case ids::RefreshAllPreviews:
-      OnRefreshAllPreviews();
-      break;
-    case ids::CurrentDocumentOnly: {
-      port::Document ignored = nullptr;
-      services_.session.Documents()->CurrentDocument(&ignored);
-      break;
-    }
-    case ids::Options:
-      dialog(services_.dialogs.options);
-      break;
-    default:
-      return false;
-  }
+  messageMap_ = {
+      {ids::SaveAll, [&ops] { ops.OnSaveAll(); }},
+      {ids::CloseAll, [&ops] { ops.OnCloseAll(); }},
+      {ids::SaveAndCloseAll, [&ops] { ops.OnSaveAndCloseAll(); }},
+      {ids::CloseAllNoSave, [&ops] { ops.OnCloseAllNoSave(); }},
+      {ids::Close, [&ops] { ops.OnClose(); }},
+      {ids::Plot, [&ops] { ops.OnPlot(); }},
+      {ids::QuickPlotAll, [&ops] { ops.OnQuickPlotAll(); }},
+      {ids::PlotSetup, [&ops] { ops.OnPlotSetup(); }},
+      {ids::PlotAll, [&ops] { ops.OnPlotAll(); }},
+      {ids::About, show(dialogs.about)},
+      {ids::ChangeTemplatePath, [&ops] { ops.OnChangeTemplatePath(); }},
+      {ids::NewDrawing, [&ops] { ops.OnNewDrawing(); }},
+      {ids::ManageWorksets, show(dialogs.manageWorksets)},
+      {ids::SheetSetSearchPath, [&sheetSets] { sheetSets.ChooseSearchPath(); }},
+      {ids::OpenSheetSetInManager, [&sheetSets] { sheetSets.ToggleOpenInManager(); }},
+      {ids::ExitSaveAll, [&ops] { ops.OnExitSaveAll(); }},
+      {ids::ExitNoSave, [&ops] { ops.OnExitNoSave(); }},
+      {ids::LockPreview, [this] { TogglePreviewLock(); }},
+      {ids::OpenFolder, [this] { OnOpenFolder(); }},
+      {ids::SaveView, [&ops] { ops.OnSaveView(); }},
+      {ids::RefreshPreview, [this] { OnRefreshPreview(); }},
+      {ids::RefreshAllPreviews, [this] { OnRefreshAllPreviews(); }},
+      // Asks for the current document and drops the answer.
+      {ids::CurrentDocumentOnly,
+       [this] {
+         port::Document ignored = nullptr;
+         services_.session.Documents()->CurrentDocument(&ignored);
+       }},
+      {ids::Options, show(dialogs.options)},
+  };
+}
+
+bool ContextMenu::RunFixedCommand(int id) {
+  const auto handler = messageMap_.find(id);
+  if (handler == messageMap_.end()) return false;
+  handler->second();
   return true;
 }
 
