@@ -277,3 +277,49 @@ TEST_F(MenuCommandTest, FixedIdsReachTheirHandlers) {
 
 }  // namespace
 }  // namespace tavlet::menus
+
+namespace tavlet::menus {
+namespace {
+
+// Each fixed id of the all-drawings block and the submenus reaches its handler,
+// seen by what the handler leaves behind.
+TEST(MenuFixedCommands, EachIdReachesItsHandler) {
+  struct Case {
+    int id;
+    std::function<bool(MenuWorld&)> done;
+  };
+  auto sent = [](const std::string& command) {
+    return [command](MenuWorld& w) {
+      const Lines& c = w.h.host.SentCommands();
+      return std::find(c.begin(), c.end(), command) != c.end();
+    };
+  };
+  auto browsed = [](const std::string& title) {
+    return [title](MenuWorld& w) {
+      return !w.shell.Calls().empty() && w.shell.Calls()[0].rfind("browse " + title, 0) == 0;
+    };
+  };
+  const Case cases[] = {
+      {ids::SaveAll, sent("_.QSAVE\n")},
+      {ids::CloseAllNoSave, [](MenuWorld& w) { return w.h.host.OpenDocuments().empty(); }},
+      {ids::Close, [](MenuWorld& w) { return w.h.host.OpenDocuments().size() == 1; }},
+      {ids::QuickPlotAll, [](MenuWorld& w) { return w.h.host.Plots().size() == 2; }},
+      {ids::ExitNoSave, [](MenuWorld& w) { return w.h.host.QuitRequested(); }},
+      {ids::NewDrawing, [](MenuWorld& w) { return w.h.host.OpenDocuments().size() == 3; }},
+      {ids::ChangeTemplatePath, browsed("选择新的模板路径")},
+      {ids::SheetSetSearchPath, browsed(sheetsets::command_texts::kSearchPathTitle)},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.id);
+    MenuWorld w;
+    w.Start();
+    w.h.OpenDrawing("C:\\dwg\\a.dwg");
+    w.Tree(w.OpenPlan());
+    w.h.host.QueueBoxAnswer(port::kAnswerYes);  // for the question of closing without saving
+    EXPECT_TRUE(w.menu->OnCommand(c.id));
+    EXPECT_TRUE(c.done(w));
+  }
+}
+
+}  // namespace
+}  // namespace tavlet::menus
