@@ -161,6 +161,18 @@ TEST_F(MenuCommandTest, AnImageThatExistsGoesToTheShell) {
   EXPECT_EQ(shell.Calls(), Lines{"shell D:\\项目\\办公楼\\照片\\入口.jpg"});
 }
 
+TEST_F(MenuCommandTest, AFoundSheetSetOpensInTheManagerWhenSoSet) {
+  h.files.AddFile("D:\\sets\\project.dst", "");
+  h.SetSetting(keys::OpenSheetSetInSSM, 1);
+  StartOnPlan();
+  sheetSets->sheetSetSearchPath = "D:\\sets";
+  Tree(plan);
+  EXPECT_NE(DescribeMenu(last).find("  > 找到\n    5003 project\n"), std::string::npos)
+      << text::ToUtf8(DescribeMenu(last));
+  EXPECT_FALSE(menu->OnCommand(sheetSets->foundSheetSets.begin()->first));
+  EXPECT_EQ(h.host.SentCommands(), Lines{"-OPENSHEETSET \"D:\\sets\\project.dst\"\n"});
+}
+
 TEST_F(MenuCommandTest, ATemplateMakesANewDrawingAndNotFoundIsRefusedByTheHost) {
   AddTemplate("acad.dwt");
   StartOnPlan();
