@@ -216,6 +216,29 @@ TEST_F(MenuCommandTest, ADrawingsListIdOnEmptyBarFallsThrough) {
   EXPECT_EQ(h.host.Transcript(), "");
 }
 
+// The modal loop of the popup lets the drawing go before the choice arrives;
+// contextDocument is taken as it was, and nothing acts on the closed drawing.
+TEST_F(MenuCommandTest, AChoiceForADrawingClosedMeanwhileActsOnNothing) {
+  StartOnPlan();
+  const int ids[] = {Id("Layout2"),   Id("墙体关闭"),      Id("入口"),      Id("Sheet A"),
+                     ids::OpenFolder, ids::RefreshPreview, ids::LockPreview};
+  h.host.CloseDrawing(plan);
+  h.host.ClearTranscript();
+  for (int id : ids) {
+    SCOPED_TRACE(id);
+    menu->OnCommand(id);
+    EXPECT_TRUE(Actions(plan).empty());
+    for (port::Document doc : h.host.OpenDocuments()) EXPECT_FALSE(h.host.IsLocked(doc));
+  }
+  EXPECT_EQ(h.host.OpenDocuments().size(), 1u);
+  EXPECT_TRUE(shell.Calls().empty());
+  // The lists' actions show the host's description alone, the refresh its
+  // handler's box; the folder and the lock find no drawing to act on.
+  const std::string gone = "The document is not open.";
+  EXPECT_EQ(Boxes(), (Lines{gone, gone, gone, gone, "错误 [0x80070057]\n" + gone}));
+  EXPECT_EQ(h.host.Transcript(), "");
+}
+
 TEST_F(MenuCommandTest, WithoutTheOleLinkManagerADynamicIdEndsInItsBox) {
   StartOnPlan();
   h.host.SetOleLinkManagerMissing(true);
