@@ -7,7 +7,7 @@
 #include <cctype>
 #include <vector>
 
-#include "platform/win32/frame_layout.h"
+#include "platform/win32/host/frame_layout.h"
 #include "platform/win32/registry_backend_win32.h"
 #include "settings/settings_table.h"
 
@@ -234,7 +234,7 @@ bool DemoHost::CreateFrame(int width, int height) {
 
   HMENU menu = CreateMenu();
   HMENU file = CreatePopupMenu();
-  AppendMenuA(file, MF_STRING, kMenuOpen, "&Open...\tCtrl+O");
+  AppendMenuA(file, MF_STRING, kMenuOpen, "&Open...");
   AppendMenuA(file, MF_STRING, kMenuClose, "&Close");
   AppendMenuA(file, MF_SEPARATOR, 0, nullptr);
   AppendMenuA(file, MF_STRING, kMenuUnload, "&Unload Tavlet");

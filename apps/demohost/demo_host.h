@@ -99,6 +99,8 @@ class DemoHost final : private port::DocManagerEvents {
   HWND CommandDock() const { return commandDock_; }
   HWND CommandHost() const { return commandHost_; }
   HWND CommandLine() const { return commandLine_; }
+  // Where commands are typed.
+  HWND CommandInput() const { return inputEdit_; }
   HWND ViewOf(port::Document doc) const;
   port::Document DocumentOf(HWND view) const;
   bool Interactive() const { return interactive_; }

@@ -34,7 +34,7 @@ struct OperationServices {
   FileSystem& files;
   RecentFileList& recentFiles;
   OperationShell& shell;
-  ViewLayoutWriter* viewLayouts = nullptr;  // none: a paper-space view gets no layout record
+  ViewLayoutWriter* viewLayouts = nullptr;  // none: the view's own extended data
   port::Window bar = nullptr;               // repainted after save all
 };
 

@@ -33,8 +33,9 @@ class OperationShell {
   virtual bool RunPlotDialog(port::Window owner) = 0;
 };
 
-// Records which layout a paper-space view was saved from, in the view's
-// extended data. The drawing-content side implements it.
+// Records which layout a paper-space view was saved from. Without one the
+// operations write the drawing-content record (content::WriteViewLayout, the
+// view's extended data); a caller may put another in its place.
 class ViewLayoutWriter {
  public:
   virtual void WriteViewLayout(const std::string& view, const std::string& layout,

@@ -1,5 +1,6 @@
 // Two small commands of the context menu: a named view of the active drawing,
 // and the template folder of the host's current profile.
+#include "content/views.h"
 #include "operations/batch_helpers.h"
 #include "operations/drawing_operations_impl.h"
 #include "text/codepage.h"
@@ -54,6 +55,8 @@ void DrawingOperations::OnSaveView() {
     const std::string layout = document.ActiveLayout().Name();
     if (services_.viewLayouts)
       services_.viewLayouts->WriteViewLayout(name.text, layout, contextDocument);
+    else
+      content::WriteViewLayout(name.text, layout, services_.session, contextDocument);
   });
 }
 

@@ -92,8 +92,8 @@ bool ProfileFile::Modify(Change&& change, bool readsBack, bool emptyFileWhenMiss
   std::string encoded = cacheUtf16_ ? profile::EncodeFile(text, true) : std::string();
   const std::string& bytes = cacheUtf16_ ? encoded : text;
   if (files_.WriteFileAtomic(path_, bytes) != FileError::None) {
-    cachedDocument_ = profile::Parse(
-        cacheValid_ ? std::string_view(profile::DecodeFile(cachedBytes_).text) : "");
+    const profile::FileText old = profile::DecodeFile(cacheValid_ ? cachedBytes_ : std::string());
+    cachedDocument_ = profile::Parse(old.text);
     cacheReadsBack_ = profile::ReadsBackAsWritten(cachedDocument_);
     return false;
   }

@@ -9,25 +9,11 @@
 #include "content/references.h"
 #include "content/views.h"
 #include "content_fixture.h"
+#include "support/test_paths.h"
 
 namespace tavlet::content {
 namespace {
 
-// The samples folder of the checkout, found upward from this file's name or
-// from the running program; empty when neither leads to it.
-std::filesystem::path SamplesFolder() {
-  std::error_code error;
-  for (std::filesystem::path start :
-       {std::filesystem::path(__FILE__).parent_path(),
-        std::filesystem::read_symlink("/proc/self/exe", error).parent_path()}) {
-    for (std::filesystem::path p = std::filesystem::absolute(start, error); !p.empty();
-         p = p.parent_path()) {
-      if (std::filesystem::exists(p / "samples" / "plan.tdd", error)) return p / "samples";
-      if (p == p.root_path()) break;
-    }
-  }
-  return {};
-}
 
 std::string ReadFile(const std::filesystem::path& path) {
   std::ifstream in(path, std::ios::binary);
@@ -43,8 +29,7 @@ struct Opened {
 };
 
 void Open(Opened& o, const std::string& name) {
-  const std::filesystem::path folder = SamplesFolder();
-  if (folder.empty()) GTEST_SKIP() << "samples folder not found";
+  const std::filesystem::path folder = testing::SamplesDir();
   o.doc = o.host.OpenDescription(ReadFile(folder / name), name);
   ASSERT_NE(o.doc, nullptr) << o.host.LastOpenError();
   o.host.Documents()->DatabaseOf(o.doc, &o.db);

@@ -49,7 +49,7 @@ struct Environment {
     windows.ClearLog();
   }
   OperationServices Services() {
-    return {host, host::GetAcadApplication(host), windows, store, files, recent, shell, &layouts,
+    return {host, host::GetAcadApplication(host), windows, store, files, recent, shell, nullptr,
             bar};
   }
 
@@ -118,7 +118,6 @@ struct Environment {
   SettingsStore store{registry, DefaultSettingsRoot()};
   RecentFileList recent{store, files};
   sim::SimShell shell;
-  RecordingLayouts layouts;
   port::Window bar = reinterpret_cast<port::Window>(0x7001);
 };
 

@@ -2,12 +2,20 @@
 // template folder of the host's current profile.
 #include <optional>
 
+#include "content/views.h"
 #include "ops_fixture.h"
 
 namespace tavlet::operations {
 namespace {
 
 using SaveViewTest = OpsFixture;
+
+// The layout recorded in the view's extended data; empty when none.
+std::string LayoutOf(sim::SimHost& host, port::Document doc, const std::string& view) {
+  port::Database db = nullptr;
+  host.Documents()->DatabaseOf(doc, &db);
+  return content::ReadViewLayout(view, *host.Databases(), db);
+}
 
 const sim::NamedViewDesc* FindView(sim::SimHost& host, port::Document doc,
                                    const std::string& name) {
@@ -40,13 +48,17 @@ TEST_F(SaveViewTest, AViewSavedInALayoutHoldsZeroZAndNamesItsLayout) {
   EXPECT_DOUBLE_EQ(view->centerY, 1.5);
   EXPECT_DOUBLE_EQ(view->width, 4);
   EXPECT_DOUBLE_EQ(view->height, 3);
-  EXPECT_EQ(layouts.written, (Lines{"前视 图 > 立面"}));
+  EXPECT_TRUE(view->paperSpace);
+  EXPECT_EQ(LayoutOf(host, doc, "前视 图"), "立面");
   EXPECT_TRUE(host.ShownBoxes().empty());
   Lines puts;
   for (const std::string& call : host.Faults().Log())
     if (call.rfind("AcadView::Put", 0) == 0) puts.push_back(call);
   EXPECT_EQ(puts, (Lines{"AcadView::PutCenter", "AcadView::PutDirection", "AcadView::PutHeight",
                          "AcadView::PutTarget", "AcadView::PutWidth"}));
+  // The record is written under a document lock, given back.
+  EXPECT_EQ(host.Faults().Count("DocManager::LockDocument"), 1);
+  EXPECT_EQ(host.Faults().Count("DocManager::UnlockDocument"), 1);
   EXPECT_FALSE(host.IsLocked(doc));
 }
 
@@ -56,8 +68,9 @@ TEST_F(SaveViewTest, AViewSavedInModelSpaceHasNoLayoutRecord) {
   host.QueueStringAnswer(port::kRtNormal, "top");
   host.Faults().ClearLog();
   Ops().OnSaveView();
-  EXPECT_NE(FindView(host, doc, "top"), nullptr);
-  EXPECT_TRUE(layouts.written.empty());
+  ASSERT_NE(FindView(host, doc, "top"), nullptr);
+  EXPECT_FALSE(FindView(host, doc, "top")->paperSpace);
+  EXPECT_EQ(LayoutOf(host, doc, "top"), "");
   // The model-space viewport's centre goes to the view exactly as it was read;
   // this host takes only three coordinates there, and says so in the error box.
   Lines boxes = BoxTexts();
@@ -88,7 +101,7 @@ TEST_F(SaveViewTest, ANameTheHostRefusesEndsInTheErrorBox) {
   Ops().OnSaveView();
   EXPECT_EQ(host.Transcript().substr(host.Transcript().rfind("ok\n") + 3),
             "未知的错误在 MvTavlet::OnSaveView()!\n");
-  EXPECT_TRUE(layouts.written.empty());
+  EXPECT_EQ(LayoutOf(host, doc, "ok"), "");
 }
 
 class TemplatePathTest : public OpsFixture {

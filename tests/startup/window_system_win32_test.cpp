@@ -1,5 +1,5 @@
 #ifdef _WIN32
-#include "platform/win32/window_system_win32.h"
+#include "platform/win32/host/window_system_win32.h"
 
 #include <gtest/gtest.h>
 #include <windows.h>

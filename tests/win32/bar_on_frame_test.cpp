@@ -3,6 +3,7 @@
 // the drawing area and the command line, sizing by the grip, collapse and
 // scroll, clicks, unload and reload.
 #include <windows.h>
+#include <commctrl.h>
 
 #include <gtest/gtest.h>
 
@@ -17,7 +18,7 @@
 #include "demohost/demo_host.h"
 #include "demohost/script.h"
 #include "platform/win32/bar/preview_strip_win32.h"
-#include "platform/win32/frame_layout.h"
+#include "platform/win32/host/frame_layout.h"
 #include "platform/win32/registry_backend_win32.h"
 #include "settings/settings_table.h"
 #include "support/test_paths.h"
@@ -239,6 +240,9 @@ TEST_F(BarOnFrame, FloatingLeavesTheFrameWholeAndTurnsVerticalWhenTaller) {
   SendMessageA(bar, WM_CLOSE, 0, 0);
   EXPECT_TRUE(IsWindow(floatFrame));
   EXPECT_TRUE(IsWindow(bar));
+  demo->UnloadModule();
+  EXPECT_TRUE(ModuleWindows().empty());
+  EXPECT_FALSE(IsWindow(floatFrame));
 }
 
 TEST_F(BarOnFrame, OffAndNudgeGiveTheAreaBackAndOnTakesItAgain) {
@@ -428,6 +432,72 @@ TEST_F(BarOnFrame, WithNoDrawingTheBarKeepsACaptionAndAnswersItsOwnMessages) {
   ASSERT_EQ(boxes.size(), 2u);
   EXPECT_EQ(boxes[0].text, "还没有打开工作!");
   EXPECT_EQ(boxes[1].text, "最近文件使用列表中没有文件!");
+}
+
+TEST_F(BarOnFrame, TabModeTakesItsRowsAndSwitchesThroughTheTabControl) {
+  Start({{"", "DockSide", kTop}, {"", "TabMode", 1}, {"", "SwitchOnBusy", 0}}, 3);
+  HWND tabs = FindWindowExA(Bar(), nullptr, "SysTabControl32", nullptr);
+  ASSERT_NE(tabs, nullptr);
+  EXPECT_TRUE(IsWindowVisible(tabs));
+  EXPECT_FALSE(IsWindowVisible(FindPreviewStrip()));
+  ASSERT_EQ(SendMessageA(tabs, TCM_GETITEMCOUNT, 0, 0), 3);
+  EXPECT_EQ(SendMessageA(tabs, TCM_GETCURSEL, 0, 0), 2);
+  // Top: rows times the tab's height, plus 6.
+  RECT item{};
+  ASSERT_TRUE(SendMessageA(tabs, TCM_GETITEMRECT, 2, reinterpret_cast<LPARAM>(&item)));
+  const long rows = static_cast<long>(SendMessageA(tabs, TCM_GETROWCOUNT, 0, 0));
+  EXPECT_EQ(InParent(demo->MdiClient()).top, FullArea().top + rows * (item.bottom - item.top) + 6);
+  // During a command the change is refused with the message.
+  demo->Host().RunCommandDuring("LINE", [&] { SendMessageA(tabs, TCM_SETCURFOCUS, 0, 0); });
+  ASSERT_FALSE(demo->Host().ShownBoxes().empty());
+  EXPECT_EQ(demo->Host().ShownBoxes().back().text, "请结束活动的绘图命令");
+  demo->Pump(30);
+  EXPECT_EQ(demo->Host().MdiActive(), docs[2]);
+  EXPECT_EQ(SendMessageA(tabs, TCM_GETCURSEL, 0, 0), 2);
+  // Otherwise the tab's drawing becomes the active one.
+  SendMessageA(tabs, TCM_SETCURFOCUS, 0, 0);
+  demo->Pump(30);
+  EXPECT_EQ(demo->Host().MdiActive(), docs[0]);
+  EXPECT_EQ(SendMessageA(tabs, TCM_GETCURSEL, 0, 0), 0);
+}
+
+TEST_F(BarOnFrame, TheCommandLineAndTheScriptVerbsDriveTheRealWindows) {
+  Start({{"", "DockSide", kLeft}, {"", "Size", 100}}, 3);
+  // Typed at the command line and entered.
+  SetWindowTextA(demo->CommandInput(), "tloff");
+  SendMessageA(demo->CommandInput(), WM_KEYDOWN, VK_RETURN, 0);
+  demo->Pump(30);
+  EXPECT_FALSE(IsWindowVisible(Bar()));
+  EXPECT_NE(demo->Host().Transcript().find("Command: tloff\n"), std::string::npos);
+  char typed[16] = "x";
+  GetWindowTextA(demo->CommandInput(), typed, sizeof typed);
+  EXPECT_STREQ(typed, "");
+
+  std::string error;
+  Script script;
+  ASSERT_TRUE(script.Parse("command TLON\nresize 700 520\nactivate 1\nwheel 120\nwheel 120\nwait 50\n"
+                           "answer ok\ndblclick cell 2\nrclick cell 2\nwait 50\n",
+                           error))
+      << error;
+  std::ostringstream log;
+  ScriptRunner runner(*demo, script, log);
+  ASSERT_TRUE(runner.Run(error)) << error;
+  EXPECT_TRUE(IsWindowVisible(Bar()));
+  RECT frame{};
+  GetWindowRect(demo->Frame(), &frame);
+  EXPECT_EQ(frame.right - frame.left, 700);
+  EXPECT_EQ(frame.bottom - frame.top, 520);
+  // The bar follows the frame's new size.
+  EXPECT_EQ(InParent(Bar()).bottom, FullArea().bottom);
+  // `activate 1` made the first drawing active for the wheel; the double click's
+  // first press then switched to the second.
+  EXPECT_DOUBLE_EQ(demo->ZoomOf(demo->ViewOf(docs[0])), 1.25 * 1.25);
+  EXPECT_DOUBLE_EQ(demo->ZoomOf(demo->ViewOf(docs[2])), 1.0);
+  EXPECT_EQ(demo->Host().MdiActive(), docs[1]);
+  // The double click reached the bar through the strip: the recent list is empty.
+  ASSERT_FALSE(demo->Host().ShownBoxes().empty());
+  EXPECT_EQ(demo->Host().ShownBoxes().back().text, "最近文件使用列表中没有文件!");
+  EXPECT_EQ(demo->Host().ShownBoxes().back().answer, port::kAnswerOk);
 }
 
 // ---------------------------------------------------------------- scripts

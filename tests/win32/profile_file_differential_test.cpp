@@ -16,10 +16,13 @@
 //    past the buffer's end; the engine never writes past the size it is given
 //    (WineWritesPastOneByte takes that byte back out of the platform's buffer).
 // Where the engine knowingly differs from Windows, and why:
-//  - Windows edits the file's text in place and keeps the bytes of the lines that a
-//    write doesn't touch, NULs included (the conformance case "NULLs in file before
-//    first section"); the engine, like Wine, writes the file anew from what it read,
-//    and so do the expectations here (WritesLeaveTheSameFiles).
+//  - Windows keeps the NULs of a line that a write doesn't touch (the conformance
+//    case "NULLs in file before first section"); the engine, like Wine, writes every
+//    line anew from what it read, which ends such a line at its first NUL, and so do
+//    the expectations here (the "nul bytes" shape of WritesLeaveTheSameFiles).
+//  - The last-error codes that Windows sets and Wine doesn't (ERROR_BAD_LENGTH and
+//    ERROR_INVALID_DATA of a struct read, ERROR_FILE_NOT_FOUND of a read) have no
+//    counterpart: the engine's calls answer with their results alone.
 //  - A UTF-16 file holding characters that code page 936 lacks reads as the A calls
 //    read it ("?" for each), but the engine refuses to rewrite it, where the
 //    platform, which works in UTF-16 inside, keeps them: a rewrite through code page

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/win32/frame_layout.h"
+#include "platform/win32/host/frame_layout.h"
 #include "platform/win32/window.h"
 #include "platform/win32/window_hook.h"
 

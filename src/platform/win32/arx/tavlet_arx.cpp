@@ -13,7 +13,7 @@
 #include "platform/win32/raster_gdi.h"
 #include "platform/win32/registry_backend_win32.h"
 #include "platform/win32/window.h"
-#include "platform/win32/window_system_win32.h"
+#include "platform/win32/host/window_system_win32.h"
 
 namespace tavlet::win32 {
 namespace {

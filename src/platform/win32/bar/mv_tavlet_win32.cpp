@@ -7,6 +7,7 @@
 
 #include "bar/strip_actions.h"
 #include "platform/win32/bar/preview_strip_win32.h"
+#include "platform/win32/bar/tab_strip_win32.h"
 #include "platform/win32/handles.h"
 
 namespace tavlet::win32 {
@@ -37,6 +38,8 @@ LPCSTR CursorId(bar::GripCursor cursor) {
       return IDC_ARROW;
   }
 }
+
+constexpr UINT kResyncTabs = WM_APP + 0x54;
 
 constexpr char kNoWorkset[] = "还没有打开工作!";
 constexpr char kNoRecentFiles[] = "最近文件使用列表中没有文件!";
@@ -74,7 +77,38 @@ HWND MvTavletWindow::Make(const host::WindowCreation& c) {
 }
 
 LRESULT MvTavletWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
-  if (message == kWmAcadKeepFocus) return 1;
+  switch (message) {
+    case kWmAcadKeepFocus:
+      return 1;
+    case kResyncTabs:
+      if (HWND tabs = H(bar_.TabWindow())) SyncTabControl(tabs, bar_.Tabs());
+      return 0;
+    case WM_NOTIFY: {
+      const auto* header = reinterpret_cast<const NMHDR*>(lParam);
+      if (!header || header->idFrom != static_cast<UINT_PTR>(bar::kTabStripId)) break;
+      if (header->code == TCN_SELCHANGING) {
+        if (!bar::TabSelChanging(bar_.Session(), bar_.Settings())) return 0;
+        // Some tab controls move their selection even when the change is
+        // refused: the model's selection is put back once the click is over.
+        PostMessageA(hwnd(), kResyncTabs, 0, 0);
+        return 1;
+      }
+      if (header->code == TCN_SELCHANGE) {
+        bar::TabSelChange(bar_, static_cast<int>(SendMessageA(header->hwndFrom, TCM_GETCURSEL, 0, 0)));
+        return 0;
+      }
+      break;
+    }
+    case WM_DRAWITEM: {
+      // The owner-drawn tabs are drawn by their owner.
+      const auto* item = reinterpret_cast<const DRAWITEMSTRUCT*>(lParam);
+      if (item && item->CtlType == ODT_TAB && item->CtlID == static_cast<UINT>(bar::kTabStripId)) {
+        DrawTab(*item, bar_.Tabs());
+        return TRUE;
+      }
+      break;
+    }
+  }
   return Window::OnMessage(message, wParam, lParam);
 }
 
@@ -95,6 +129,16 @@ void MvTavletWindow::OnSize(UINT, int, int) {
   const bar::ChildRects children = bar::BarChildRects(bar_.DockSide(), bar_.Floating(), FromRect(client));
   if (HWND strip = H(bar_.StripWindow())) Move(strip, children.strip, false);
   if (HWND tabs = H(bar_.TabWindow())) {
+    if (bar_.TabMode()) {
+      // The tabs face the drawing area: their style follows the side, and the
+      // font is given again so that the control measures with the new style.
+      const auto style = static_cast<unsigned long>(GetWindowLongPtrA(tabs, GWL_STYLE));
+      const unsigned long wanted = bar::TabStyleForSide(bar_.DockSide(), style);
+      if (wanted != style) {
+        SetWindowLongPtrA(tabs, GWL_STYLE, static_cast<LONG_PTR>(wanted));
+        SendMessageA(tabs, WM_SETFONT, SendMessageA(tabs, WM_GETFONT, 0, 0), TRUE);
+      }
+    }
     Move(tabs, children.tabs, true);
     bar_.TabRows = static_cast<int>(SendMessageA(tabs, TCM_GETROWCOUNT, 0, 0));
   }
@@ -279,33 +323,8 @@ void RegisterBarWindows(Win32WindowSystem& windows, std::function<bar::BarModel*
     return W(hwnd);
   });
   windows.SetFactory("TabStrip", [currentBar](const host::WindowCreation& c) -> port::Window {
-    INITCOMMONCONTROLSEX controls{sizeof controls, ICC_TAB_CLASSES};
-    InitCommonControlsEx(&controls);
-    const RECT r = ToRect(c.rect);
-    HWND tabs = CreateWindowExA(0, WC_TABCONTROLA, c.text,
-                                c.style | TCS_MULTILINE | TCS_RAGGEDRIGHT | TCS_HOTTRACK | TCS_OWNERDRAWFIXED, r.left,
-                                r.top, r.right - r.left, r.bottom - r.top, H(c.parent),
-                                reinterpret_cast<HMENU>(static_cast<INT_PTR>(c.id)), CurrentResourceInstance(),
-                                nullptr);
-    if (bar::BarModel* bar = currentBar(); bar && tabs) {
-      bar->tabRowCount = [tabs] { return static_cast<int>(SendMessageA(tabs, TCM_GETROWCOUNT, 0, 0)); };
-      bar->selectedTabThickness = [bar, tabs](const host::WindowRect* rect) -> long {
-        const int selected = static_cast<int>(SendMessageA(tabs, TCM_GETCURSEL, 0, 0));
-        // The rows depend on the width the control is about to get.
-        RECT before{};
-        GetWindowRect(tabs, &before);
-        MapWindowPoints(nullptr, GetParent(tabs), reinterpret_cast<POINT*>(&before), 2);
-        if (rect) Move(tabs, *rect, false);
-        const int rows = static_cast<int>(SendMessageA(tabs, TCM_GETROWCOUNT, 0, 0));
-        if (rect) MoveWindow(tabs, before.left, before.top, before.right - before.left, before.bottom - before.top,
-                             FALSE);
-        RECT item{};
-        if (selected < 0 || !SendMessageA(tabs, TCM_GETITEMRECT, selected, reinterpret_cast<LPARAM>(&item)))
-          return GetSystemMetrics(SM_CYCAPTION);
-        return bar::TabRowsThickness(bar->DockSide(), rows, FromRect(item));
-      };
-    }
-    return W(tabs);
+    bar::BarModel* bar = currentBar();
+    return bar ? W(CreateTabStrip(*bar, c)) : nullptr;
   });
 }
 

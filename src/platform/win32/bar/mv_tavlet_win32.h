@@ -10,7 +10,7 @@
 #include "bar/bar_model.h"
 #include "bar/docking.h"
 #include "platform/win32/window.h"
-#include "platform/win32/window_system_win32.h"
+#include "platform/win32/host/window_system_win32.h"
 
 namespace tavlet::win32 {
 

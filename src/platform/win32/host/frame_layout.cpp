@@ -1,4 +1,4 @@
-#include "platform/win32/frame_layout.h"
+#include "platform/win32/host/frame_layout.h"
 
 #include <vector>
 

@@ -1,8 +1,8 @@
-#include "platform/win32/window_system_win32.h"
+#include "platform/win32/host/window_system_win32.h"
 
 #include <windows.h>
 
-#include "platform/win32/frame_layout.h"
+#include "platform/win32/host/frame_layout.h"
 #include "platform/win32/window.h"
 #include "platform/win32/window_hook.h"
 

@@ -1,0 +1,140 @@
+#include "platform/win32/bar/tab_strip_win32.h"
+
+#include <commctrl.h>
+
+#include <string>
+#include <vector>
+
+#include "bar/docking.h"
+#include "platform/win32/handles.h"
+#include "platform/win32/raster_gdi.h"
+#include "platform/win32/window.h"
+#include "platform/win32/window_hook.h"
+
+namespace tavlet::win32 {
+
+namespace {
+
+HWND H(port::Window w) { return reinterpret_cast<HWND>(w); }
+
+std::string ItemText(HWND tabs, int index) {
+  char text[512] = {};
+  TCITEMA item{};
+  item.mask = TCIF_TEXT;
+  item.pszText = text;
+  item.cchTextMax = sizeof text;
+  SendMessageA(tabs, TCM_GETITEMA, index, reinterpret_cast<LPARAM>(&item));
+  return text;
+}
+
+// Lives as long as the tab control: keeps its font, mirrors the model before a
+// paint, and hands double clicks to the bar.
+class TabStripHook final : public WindowHook {
+ public:
+  TabStripHook(bar::BarModel& bar, HFONT font) : bar_(bar), font_(font) {}
+
+ protected:
+  LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
+    switch (message) {
+      case WM_PAINT:
+        SyncTabControl(Hooked(), bar_.Tabs());
+        break;
+      case WM_LBUTTONDBLCLK: {
+        POINT point{static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))};
+        HWND parent = GetParent(Hooked());
+        MapWindowPoints(Hooked(), parent, &point, 1);
+        return SendMessageA(parent, WM_LBUTTONDBLCLK, wParam, MAKELPARAM(point.x, point.y));
+      }
+      case WM_DESTROY: {
+        const LRESULT result = Default();
+        Detach();
+        delete this;
+        return result;
+      }
+    }
+    return Default();
+  }
+
+ private:
+  bar::BarModel& bar_;
+  GdiObject<HFONT> font_;
+};
+
+}  // namespace
+
+bool SyncTabControl(HWND tabs, const bar::TabOrder& order) {
+  const std::vector<bar::TabItem>& model = order.Tabs();
+  const int count = static_cast<int>(SendMessageA(tabs, TCM_GETITEMCOUNT, 0, 0));
+  bool same = count == static_cast<int>(model.size());
+  for (int i = 0; same && i < count; ++i) same = ItemText(tabs, i) == model[static_cast<std::size_t>(i)].text;
+  if (!same) {
+    SendMessageA(tabs, TCM_DELETEALLITEMS, 0, 0);
+    for (std::size_t i = 0; i < model.size(); ++i) {
+      TCITEMA item{};
+      item.mask = TCIF_TEXT | TCIF_PARAM;
+      item.pszText = const_cast<char*>(model[i].text.c_str());
+      item.lParam = reinterpret_cast<LPARAM>(model[i].document);
+      SendMessageA(tabs, TCM_INSERTITEMA, i, reinterpret_cast<LPARAM>(&item));
+    }
+  }
+  const bool selectionMoved = SendMessageA(tabs, TCM_GETCURSEL, 0, 0) != order.Selected();
+  if (selectionMoved) SendMessageA(tabs, TCM_SETCURSEL, order.Selected(), 0);
+  return !same || selectionMoved;
+}
+
+void DrawTab(const DRAWITEMSTRUCT& item, const bar::TabOrder& order) {
+  const auto& model = order.Tabs();
+  if (item.itemID >= model.size()) return;
+  const bool selected = static_cast<int>(item.itemID) == order.Selected();
+  RECT r = item.rcItem;
+  FillRect(item.hDC, &r, GetSysColorBrush(selected ? COLOR_WINDOW : COLOR_3DFACE));
+  const std::string& text = model[item.itemID].text;
+  SetBkMode(item.hDC, TRANSPARENT);
+  SetTextColor(item.hDC, GetSysColor(COLOR_BTNTEXT));
+  DrawTextA(item.hDC, text.c_str(), static_cast<int>(text.size()), &r,
+            DT_SINGLELINE | DT_VCENTER | DT_CENTER | DT_END_ELLIPSIS | DT_NOPREFIX);
+}
+
+HWND CreateTabStrip(bar::BarModel& bar, const host::WindowCreation& c) {
+  INITCOMMONCONTROLSEX controls{sizeof controls, ICC_TAB_CLASSES};
+  InitCommonControlsEx(&controls);
+  HWND tabs = CreateWindowExA(0, WC_TABCONTROLA, c.text,
+                              c.style | TCS_MULTILINE | TCS_RAGGEDRIGHT | TCS_HOTTRACK | TCS_OWNERDRAWFIXED,
+                              static_cast<int>(c.rect.left), static_cast<int>(c.rect.top),
+                              static_cast<int>(c.rect.Width()), static_cast<int>(c.rect.Height()), H(c.parent),
+                              reinterpret_cast<HMENU>(static_cast<INT_PTR>(c.id)), CurrentResourceInstance(), nullptr);
+  if (!tabs) return nullptr;
+  const LOGFONTA logFont = ToLogFont(bar.Settings().TabFont);
+  HFONT font = CreateFontIndirectA(&logFont);
+  SendMessageA(tabs, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
+  auto* hook = new TabStripHook(bar, font);
+  if (!hook->Attach(tabs)) delete hook;
+
+  bar.tabRowCount = [&bar, tabs] {
+    SyncTabControl(tabs, bar.Tabs());
+    return static_cast<int>(SendMessageA(tabs, TCM_GETROWCOUNT, 0, 0));
+  };
+  bar.selectedTabThickness = [&bar, tabs](const host::WindowRect* rect) -> long {
+    SyncTabControl(tabs, bar.Tabs());
+    const int selected = static_cast<int>(SendMessageA(tabs, TCM_GETCURSEL, 0, 0));
+    // The rows depend on the width the control is about to get: it is moved
+    // there for the count, without repainting, and back.
+    RECT before{};
+    GetWindowRect(tabs, &before);
+    MapWindowPoints(nullptr, GetParent(tabs), reinterpret_cast<POINT*>(&before), 2);
+    if (rect)
+      MoveWindow(tabs, static_cast<int>(rect->left), static_cast<int>(rect->top), static_cast<int>(rect->Width()),
+                 static_cast<int>(rect->Height()), FALSE);
+    const int rows = static_cast<int>(SendMessageA(tabs, TCM_GETROWCOUNT, 0, 0));
+    RECT item{};
+    const bool hasItem =
+        selected >= 0 && SendMessageA(tabs, TCM_GETITEMRECT, selected, reinterpret_cast<LPARAM>(&item)) != 0;
+    if (rect)
+      MoveWindow(tabs, before.left, before.top, before.right - before.left, before.bottom - before.top, FALSE);
+    if (!hasItem) return GetSystemMetrics(SM_CYCAPTION);
+    return bar::TabRowsThickness(bar.DockSide(), rows, {item.left, item.top, item.right, item.bottom});
+  };
+  return tabs;
+}
+
+}  // namespace tavlet::win32
