@@ -99,6 +99,48 @@ TEST(Win32Dialogs, PlacementIsRestoredInASecondRun) {
   EXPECT_EQ(restored.bottom, 294);
 }
 
+// A dialog whose accelerator table turns F5 into a command: the key goes through
+// the modal loop's message filter to PreTranslateMessage.
+class AcceleratedDialog final : public ResizableDialog {
+ public:
+  using ResizableDialog::ResizableDialog;
+  HACCEL table = nullptr;
+  int commands = 0;
+
+ protected:
+  bool OnInitDialog() override {
+    ResizableDialog::OnInitDialog();
+    AddAccelerators(hwnd(), table);
+    PostMessageA(hwnd(), WM_KEYDOWN, VK_F5, 0);
+    return true;
+  }
+  bool OnCommand(WPARAM wParam, LPARAM) override {
+    if (LOWORD(wParam) == 4242) ++commands;
+    return true;
+  }
+};
+
+void CALLBACK CloseActiveDialog(HWND, UINT, UINT_PTR id, DWORD) {
+  KillTimer(nullptr, id);
+  if (HWND active = GetActiveWindow()) EndDialog(active, IDOK);
+}
+
+TEST(Win32Dialogs, AcceleratorsTranslateInsideTheModalLoop) {
+  MemoryRegistry registry;
+  std::vector<WORD> dialogTemplate = ResizableTemplate();
+  ACCEL f5{FVIRTKEY, VK_F5, 4242};
+  AcceleratedDialog dialog(registry, {});
+  dialog.table = CreateAcceleratorTableA(&f5, 1);
+  // A timer closes the dialog once the key has been through the loop.
+  UINT_PTR timer = SetTimer(nullptr, 0, 200, CloseActiveDialog);
+  EXPECT_EQ(dialog.DoModalIndirect(GetModuleHandleA(nullptr), reinterpret_cast<DLGTEMPLATE*>(dialogTemplate.data()),
+                                   nullptr),
+            IDOK);
+  KillTimer(nullptr, timer);
+  EXPECT_EQ(dialog.commands, 1);
+  DestroyAcceleratorTable(dialog.table);
+}
+
 // The module built beside the tests holds the dialog resources.
 HMODULE ModuleResources() {
   const char* build = std::getenv("TAVLET_BUILD_DIR");
