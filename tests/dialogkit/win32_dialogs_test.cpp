@@ -197,6 +197,9 @@ TEST(Win32Dialogs, SheetSetDialogReturnsTheTickedFilesInTreeOrder) {
   EXPECT_EQ(dialog.DoModal(resources, sheetsets::kSheetSetDialogId, nullptr), IDOK);
   gDialog = nullptr;
   EXPECT_EQ(dialog.Logic().selectedFiles, (std::vector<std::string>{"C:\\c.dwg", "C:\\b.dwg"}));
+  // A picture for each kind, from the module's resources.
+  ASSERT_NE(dialog.Images(), nullptr);
+  EXPECT_EQ(ImageList_GetImageCount(dialog.Images()), 5);
   EXPECT_TRUE(SettingsStore(registry, kRoot).GetString("SheetSetDialog", "", "").find(":NORMAL") != std::string::npos);
   FreeLibrary(resources);
 }
