@@ -99,6 +99,48 @@ TEST(Win32Dialogs, PlacementIsRestoredInASecondRun) {
   EXPECT_EQ(restored.bottom, 294);
 }
 
+// A dialog whose accelerator table turns F5 into a command: the key goes through
+// the modal loop's message filter to PreTranslateMessage.
+class AcceleratedDialog final : public ResizableDialog {
+ public:
+  using ResizableDialog::ResizableDialog;
+  HACCEL table = nullptr;
+  int commands = 0;
+
+ protected:
+  bool OnInitDialog() override {
+    ResizableDialog::OnInitDialog();
+    AddAccelerators(hwnd(), table);
+    PostMessageA(hwnd(), WM_KEYDOWN, VK_F5, 0);
+    return true;
+  }
+  bool OnCommand(WPARAM wParam, LPARAM) override {
+    if (LOWORD(wParam) == 4242) ++commands;
+    return true;
+  }
+};
+
+void CALLBACK CloseActiveDialog(HWND, UINT, UINT_PTR id, DWORD) {
+  KillTimer(nullptr, id);
+  if (HWND active = GetActiveWindow()) EndDialog(active, IDOK);
+}
+
+TEST(Win32Dialogs, AcceleratorsTranslateInsideTheModalLoop) {
+  MemoryRegistry registry;
+  std::vector<WORD> dialogTemplate = ResizableTemplate();
+  ACCEL f5{FVIRTKEY, VK_F5, 4242};
+  AcceleratedDialog dialog(registry, {});
+  dialog.table = CreateAcceleratorTableA(&f5, 1);
+  // A timer closes the dialog once the key has been through the loop.
+  UINT_PTR timer = SetTimer(nullptr, 0, 200, CloseActiveDialog);
+  EXPECT_EQ(dialog.DoModalIndirect(GetModuleHandleA(nullptr), reinterpret_cast<DLGTEMPLATE*>(dialogTemplate.data()),
+                                   nullptr),
+            IDOK);
+  KillTimer(nullptr, timer);
+  EXPECT_EQ(dialog.commands, 1);
+  DestroyAcceleratorTable(dialog.table);
+}
+
 // The module built beside the tests holds the dialog resources.
 HMODULE ModuleResources() {
   const char* build = std::getenv("TAVLET_BUILD_DIR");
@@ -155,6 +197,9 @@ TEST(Win32Dialogs, SheetSetDialogReturnsTheTickedFilesInTreeOrder) {
   EXPECT_EQ(dialog.DoModal(resources, sheetsets::kSheetSetDialogId, nullptr), IDOK);
   gDialog = nullptr;
   EXPECT_EQ(dialog.Logic().selectedFiles, (std::vector<std::string>{"C:\\c.dwg", "C:\\b.dwg"}));
+  // A picture for each kind, from the module's resources.
+  ASSERT_NE(dialog.Images(), nullptr);
+  EXPECT_EQ(ImageList_GetImageCount(dialog.Images()), 5);
   EXPECT_TRUE(SettingsStore(registry, kRoot).GetString("SheetSetDialog", "", "").find(":NORMAL") != std::string::npos);
   FreeLibrary(resources);
 }

@@ -32,6 +32,9 @@ class MarkList final : public SortableListCtrl {
  public:
   using SortableListCtrl::SortableListCtrl;
   void CellOptions(int, int, std::vector<std::string>& options) override { options = {"X", "-"}; }
+  void GetCellTip(int row, int column, std::string& text) override {
+    if (row == 0 && column == 1) text = "只读";
+  }
 };
 
 std::string TextOf(HWND window) {
@@ -110,6 +113,22 @@ TEST(Win32SortableListEdit, EnterCommitsEscapeCancels) {
   ASSERT_NE(ctrl.Editor(), nullptr);
   GetClassNameA(ctrl.Editor(), className, sizeof className);
   EXPECT_EQ(_stricmp(className, "ComboBox"), 0);
+
+  // Cell tips: the owner's text, else the cell's own; nothing off the rows.
+  RECT tipCell{};
+  tipCell.top = 1;
+  tipCell.left = LVIR_LABEL;
+  SendMessageA(list, LVM_GETSUBITEMRECT, 0, reinterpret_cast<LPARAM>(&tipCell));
+  EXPECT_EQ(ctrl.CellTipAt({tipCell.left + 3, tipCell.top + 2}), "只读");
+  tipCell.top = 1;
+  tipCell.left = LVIR_LABEL;
+  SendMessageA(list, LVM_GETSUBITEMRECT, 1, reinterpret_cast<LPARAM>(&tipCell));
+  EXPECT_EQ(ctrl.CellTipAt({tipCell.left + 3, tipCell.top + 2}), "");
+  tipCell.top = 0;
+  tipCell.left = LVIR_LABEL;
+  SendMessageA(list, LVM_GETSUBITEMRECT, 1, reinterpret_cast<LPARAM>(&tipCell));
+  EXPECT_EQ(ctrl.CellTipAt({tipCell.left + 3, tipCell.top + 2}), "new.dwg");
+  EXPECT_EQ(ctrl.CellTipAt({5, 290}), "");
   DestroyWindow(parent);
 }
 

@@ -13,6 +13,7 @@
 
 #include "platform/win32/registry_backend_win32.h"
 #include "platform/win32/ui/sortable_list_ctrl.h"
+#include "settings/memory_registry.h"
 #include "text/codepage.h"
 
 namespace tavlet::win32 {
@@ -123,6 +124,34 @@ TEST(Win32SortableList, HeaderClicksSortAndTheRegistryKeepsSortWidthsAndOrder) {
     DestroyWindow(window.parent);
   }
   EXPECT_EQ(SettingsStore(registry, kKey).GetString("", "Order", ""), "1,0");
+}
+
+class GuardedList final : public SortableListCtrl {
+ public:
+  using SortableListCtrl::SortableListCtrl;
+  bool CanDeleteRows() override { return allow; }
+  bool allow = false;
+};
+
+TEST(Win32SortableList, TheDeleteKeyRemovesTheSelectedRowsWhenAllowed) {
+  MemoryRegistry registry;
+  ListWindow window;
+  GuardedList ctrl(registry, "");
+  ASSERT_TRUE(ctrl.Attach(window.list));
+  ctrl.InsertColumn(0, "路径", {}, ui::kFormatLeft, 200);
+  for (const char* name : {"a", "b", "c", "d"}) ctrl.AddRow({name}, 0);
+  for (int row : {0, 2}) {
+    LVITEMA select{};
+    select.stateMask = LVIS_SELECTED;
+    select.state = LVIS_SELECTED;
+    SendMessageA(window.list, LVM_SETITEMSTATE, row, reinterpret_cast<LPARAM>(&select));
+  }
+  SendMessageA(window.list, WM_KEYUP, VK_DELETE, 0);
+  EXPECT_EQ(Column(ctrl, 0), (Lines{"a", "b", "c", "d"}));
+  ctrl.allow = true;
+  SendMessageA(window.list, WM_KEYUP, VK_DELETE, 0);
+  EXPECT_EQ(Column(ctrl, 0), (Lines{"b", "d"}));
+  DestroyWindow(window.parent);
 }
 
 }  // namespace

@@ -25,6 +25,10 @@ SheetSetDialogWindow::SheetSetDialogWindow(RegistryBackend& registry, sheetsets:
   State() = logic_.state;
 }
 
+SheetSetDialogWindow::~SheetSetDialogWindow() {
+  if (images_) ImageList_Destroy(images_);
+}
+
 HTREEITEM SheetSetDialogWindow::ItemOf(ui::TreeItem item) const {
   for (const auto& [handle, model] : items_)
     if (model == item) return handle;
@@ -50,6 +54,13 @@ bool SheetSetDialogWindow::OnInitDialog() {
 void SheetSetDialogWindow::FillTree() {
   HWND tree = GetDlgItem(hwnd(), sheetsets::kSheetSetTreeId);
   if (!tree) return;
+  // The pictures come from where the dialog came from: the module's resources.
+  if (!images_) {
+    auto instance = reinterpret_cast<HINSTANCE>(GetWindowLongPtrA(hwnd(), GWLP_HINSTANCE));
+    images_ = ImageList_LoadImageA(instance, MAKEINTRESOURCEA(IDB_SHEET_SET_KINDS), 16, 0, RGB(255, 0, 255),
+                                   IMAGE_BITMAP, LR_CREATEDIBSECTION);
+  }
+  if (images_) SendMessageA(tree, TVM_SETIMAGELIST, TVSIL_NORMAL, reinterpret_cast<LPARAM>(images_));
   SendMessageA(tree, TVM_DELETEITEM, 0, reinterpret_cast<LPARAM>(TVI_ROOT));
   items_.clear();
   std::map<ui::TreeItem, HTREEITEM> handles;
@@ -59,7 +70,8 @@ void SheetSetDialogWindow::FillTree() {
     TVINSERTSTRUCTA insert{};
     insert.hParent = node.parent == ui::kNoItem ? TVI_ROOT : handles[node.parent];
     insert.hInsertAfter = TVI_LAST;
-    insert.item.mask = TVIF_TEXT | TVIF_PARAM;
+    insert.item.mask = TVIF_TEXT | TVIF_PARAM | TVIF_IMAGE | TVIF_SELECTEDIMAGE;
+    insert.item.iImage = insert.item.iSelectedImage = logic_.tree.KindOf(item);
     insert.item.pszText = const_cast<char*>(node.text.c_str());
     insert.item.lParam = item;
     auto handle = reinterpret_cast<HTREEITEM>(SendMessageA(tree, TVM_INSERTITEMA, 0, reinterpret_cast<LPARAM>(&insert)));

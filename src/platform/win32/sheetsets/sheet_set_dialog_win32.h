@@ -22,10 +22,12 @@ class SheetSetDialogWindow final : public ResizableDialog {
   // `settingsRoot`: the settings branch; the placement goes below it in "SheetSetDialog".
   SheetSetDialogWindow(RegistryBackend& registry, sheetsets::SheetSetTreeServices services, std::string path,
                        std::string settingsRoot);
+  ~SheetSetDialogWindow() override;
 
   sheetsets::SheetSetDialog& Logic() { return logic_; }
   // The tree control's item of a model item, for tests that tick by messages.
   HTREEITEM ItemOf(ui::TreeItem item) const;
+  HIMAGELIST Images() const { return images_; }
 
  protected:
   bool OnInitDialog() override;
@@ -38,6 +40,7 @@ class SheetSetDialogWindow final : public ResizableDialog {
 
   sheetsets::SheetSetDialog logic_;
   std::map<HTREEITEM, ui::TreeItem> items_;
+  HIMAGELIST images_ = nullptr;  // a picture for each kind of item
 };
 
 // OpenSheetSet's dialog: modal, made from the module's resources.

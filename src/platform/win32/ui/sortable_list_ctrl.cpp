@@ -67,6 +67,7 @@ SortableListCtrl::SortableListCtrl(RegistryBackend& registry, std::string regist
     : model_(registry, std::move(registryKey)) {}
 
 SortableListCtrl::~SortableListCtrl() {
+  if (tips_ && IsWindow(tips_)) DestroyWindow(tips_);
   if (editor_ && IsWindow(editor_)) {
     RemoveWindowSubclass(editor_, EditorSubclass, kEditorSubclassId);
     DestroyWindow(editor_);
@@ -79,7 +80,30 @@ SortableListCtrl::~SortableListCtrl() {
 bool SortableListCtrl::Attach(HWND list) {
   if (!list || !SetWindowSubclass(list, Subclass, kSubclassId, reinterpret_cast<DWORD_PTR>(this))) return false;
   list_ = list;
+  // One tool over the whole list, whose text is asked for the cell under the mouse.
+  tips_ = CreateWindowExA(WS_EX_TOPMOST, TOOLTIPS_CLASSA, nullptr, WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX,
+                          CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, list_, nullptr, nullptr, nullptr);
+  if (tips_) {
+    TOOLINFOA tool{};
+    tool.cbSize = TTTOOLINFOA_V2_SIZE;
+    tool.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
+    tool.hwnd = list_;
+    tool.uId = reinterpret_cast<UINT_PTR>(list_);
+    tool.lpszText = LPSTR_TEXTCALLBACKA;
+    SendMessageA(tips_, TTM_ADDTOOLA, 0, reinterpret_cast<LPARAM>(&tool));
+    SendMessageA(tips_, TTM_SETMAXTIPWIDTH, 0, 300);
+  }
   return true;
+}
+
+std::string SortableListCtrl::CellTipAt(POINT point) {
+  LVHITTESTINFO hit{};
+  hit.pt = point;
+  SendMessageA(list_, LVM_SUBITEMHITTEST, 0, reinterpret_cast<LPARAM>(&hit));
+  if (hit.iItem < 0 || hit.iSubItem < 0) return {};
+  std::string text;
+  GetCellTip(hit.iItem, hit.iSubItem, text);
+  return text.empty() ? CellText(hit.iItem, hit.iSubItem) : text;
 }
 
 HWND SortableListCtrl::Header() const {
@@ -391,6 +415,26 @@ LRESULT SortableListCtrl::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) 
     case WM_NOTIFY: {
       const auto* header = reinterpret_cast<const NMHEADERA*>(lParam);
       if (header && header->hdr.hwndFrom == Header()) OnHeaderNotify(*header);
+      if (header && tips_ && header->hdr.hwndFrom == tips_ && header->hdr.code == TTN_NEEDTEXTA) {
+        POINT cursor;
+        GetCursorPos(&cursor);
+        ScreenToClient(list_, &cursor);
+        tipText_ = CellTipAt(cursor);
+        reinterpret_cast<NMTTDISPINFOA*>(lParam)->lpszText = tipText_.data();
+        return 0;
+      }
+      break;
+    }
+    case WM_MOUSEMOVE: {
+      // A new cell under the mouse: the tip is taken down, to ask for the new text.
+      LVHITTESTINFO hit{};
+      hit.pt = {XOf(lParam), YOf(lParam)};
+      SendMessageA(list_, LVM_SUBITEMHITTEST, 0, reinterpret_cast<LPARAM>(&hit));
+      if (tips_ && (hit.iItem != tipRow_ || hit.iSubItem != tipColumn_)) {
+        tipRow_ = hit.iItem;
+        tipColumn_ = hit.iSubItem;
+        SendMessageA(tips_, TTM_POP, 0, 0);
+      }
       break;
     }
     case WM_KEYUP:

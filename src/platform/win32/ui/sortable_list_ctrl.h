@@ -50,6 +50,10 @@ class SortableListCtrl {
   // edit the row and column it gives).
   virtual void CellEditMode(int, int, ui::ColumnEditMode&) {}
   virtual bool OnEmptyClick(int&, int&, bool) { return false; }
+  // A cell's tip; left empty, the cell's own text is shown.
+  virtual void GetCellTip(int, int, std::string&) {}
+  // The tip of the cell under a point of the list's client area ("" on no cell).
+  std::string CellTipAt(POINT point);
   // The choices of a cell whose column edits with a list.
   virtual void CellOptions(int, int, std::vector<std::string>&) {}
 
@@ -81,6 +85,9 @@ class SortableListCtrl {
   HBITMAP upArrow_ = nullptr;
   HBITMAP downArrow_ = nullptr;
   HWND editor_ = nullptr;
+  HWND tips_ = nullptr;
+  std::string tipText_;  // what the tip control reads after TTN_NEEDTEXT
+  int tipRow_ = -1, tipColumn_ = -1;
   int editRow_ = -1;
   int editColumn_ = -1;
   bool ending_ = false;
