@@ -109,6 +109,10 @@ struct FileCase {
   std::string remote;
   std::uint64_t size;
 };
+// Test names carry the cases' names; gtest would print the bytes of each struct.
+void PrintTo(const ModeCase& c, std::ostream* out) { *out << c.name; }
+void PrintTo(const FileCase& c, std::ostream* out) { *out << c.name; }
+
 const ModeCase kModes[] = {
     {"Epsv", TransferMode::Passive, true},
     {"Pasv", TransferMode::Passive, false},
