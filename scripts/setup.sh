@@ -7,7 +7,7 @@ purpose=${1:-test}
 
 packages=(g++ cmake ninja-build ccache googletest locales
           mingw-w64 g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix
-          wine wine64 xvfb xauth fonts-wqy-microhei)
+          wine wine64 xvfb xauth fonts-wqy-microhei python3-pyftpdlib)
 case "$purpose" in
   test) packages+=(clang libclang-rt-14-dev) ;;
   demo) packages+=(imagemagick) ;;

@@ -4,9 +4,11 @@ namespace tavlet::host {
 
 namespace {
 
+// A null smart pointer raises E_POINTER with no error info of a call behind it,
+// so its description is empty, not the last failed call's.
 template <class T>
 T* NotNull(const PortPtr<T>& p) {
-  if (!p) RaiseComError(port::kPointer);
+  if (!p) throw ComError(port::kPointer, "");
   return p.Get();
 }
 

@@ -11,6 +11,7 @@ void SetCurrentSession(port::HostSession* session) { currentSession = session; }
 port::HostSession* CurrentSession() { return currentSession; }
 
 void RaiseComError(port::Result error) {
+  if (error == port::kHostException) throw HostException(error);
   StringSink description;
   if (currentSession) currentSession->LastErrorDescription(&description);
   throw ComError(error, std::move(description.text));

@@ -23,6 +23,18 @@ class ComError {
   std::string description_;
 };
 
+// What a call that failed with port::kHostException raises: not a ComError, so
+// that it reaches a handler's clause for anything else, as a structured exception
+// inside the host reaches catch(...).
+class HostException {
+ public:
+  explicit HostException(port::Result error) : error_(error) {}
+  port::Result Error() const { return error_; }
+
+ private:
+  port::Result error_;
+};
+
 // The session whose last error description a raised ComError carries. The module
 // sets it at start-up and clears it at unload; tests set it around a sim.
 void SetCurrentSession(port::HostSession* session);
@@ -39,7 +51,8 @@ class ScopedSession {
   port::HostSession* previous_;
 };
 
-// Raises a ComError with the session's description of the failure.
+// Raises a ComError with the session's description of the failure; a
+// port::kHostException raises a HostException instead.
 [[noreturn]] void RaiseComError(port::Result error);
 inline void ThrowIfFailed(port::Result result) {
   if (port::Failed(result)) RaiseComError(result);

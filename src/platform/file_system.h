@@ -45,7 +45,9 @@ class FileSystem {
                            std::string& bytes) = 0;
 
   // Writes a temporary file beside `path`, then renames it over `path`, so that a
-  // failed write leaves the old file whole.
+  // failed write leaves the old file whole. Where the platform refuses to replace a
+  // file that another process holds open (Win32), the file is rewritten in place
+  // instead, and the temporary file stays beside it, whole, until that is done.
   virtual FileError WriteFileAtomic(const std::string& path, std::string_view bytes) = 0;
 
   virtual FileError Remove(const std::string& path) = 0;
@@ -58,9 +60,16 @@ class FileSystem {
 
   // Names (not paths) of the entries of a folder, "." and ".." left out.
   virtual FileError ListFolder(const std::string& path, std::vector<std::string>& names) = 0;
+
+  // The folder where a profile file named without a folder lives: GetWindowsDirectoryA
+  // on Win32. POSIX has none unless the port is made with one; "" then.
+  virtual std::string WindowsFolder() = 0;
 };
 
 // The process's real file system (POSIX or Win32 build).
 FileSystem& NativeFileSystem();
+// The real file system with another Windows folder, for tests of the rules that
+// depend on it.
+std::unique_ptr<FileSystem> MakeNativeFileSystem(std::string windowsFolder);
 
 }  // namespace tavlet

@@ -122,6 +122,9 @@ void DwgThumbnail::Prepare(const std::string& path, bool keepRecords) {
     path_ = path;
   } else {
     state_.entries.clear();
+    state_.imageBlock = false;
+    state_.declaredEntries = -1;
+    state_.damagedEntry = -1;
     state_.dib.clear();
     state_.dib.shrink_to_fit();
     state_.dibLayout.reset();
@@ -170,8 +173,10 @@ bool DwgThumbnail::Read(FileSystem& fs, const std::string& path, State& s) {
   if (FileError e = fs.ReadAt(path, blockStart, blockHead, bytes); e != FileError::None) return fail(CauseOf(e));
   // Without the sentinel there is no image block: the status stays as it is.
   if (std::memcmp(bytes.data(), kSentinel.data(), kSentinel.size()) != 0) return false;
+  s.imageBlock = true;
   if (blockHead < kBlockHeadSize) return fail(FileErrorCause::EndOfFile);
   const int entryCount = static_cast<signed char>(bytes[20]);
+  s.declaredEntries = entryCount;
 
   if (entryCount > 0) {
     const std::uint64_t tableStart = blockStart + kBlockHeadSize;
@@ -184,7 +189,10 @@ bool DwgThumbnail::Read(FileSystem& fs, const std::string& path, State& s) {
     for (int i = 0; i < entryCount; ++i) {
       // Entries before a cut in the table have been taken in, as a reader going
       // entry by entry would have.
-      if ((static_cast<std::size_t>(i) + 1) * kEntrySize > table.size()) return fail(FileErrorCause::EndOfFile);
+      if ((static_cast<std::size_t>(i) + 1) * kEntrySize > table.size()) {
+        s.damagedEntry = i;
+        return fail(FileErrorCause::EndOfFile);
+      }
       const char* record = table.data() + i * kEntrySize;
       ThumbnailEntry entry;
       entry.code = static_cast<unsigned char>(record[0]);
@@ -194,10 +202,13 @@ bool DwgThumbnail::Read(FileSystem& fs, const std::string& path, State& s) {
       // Drawings from "AC1021" on keep a header entry first; only the second counts.
       bool used = entry.code == kBitmapCode && (s.fileCode < 17 || i == 1);
       if (!used || entry.size > kMaxThumbnailEntrySize) continue;
-      if (IsBadSeek(entry.start)) return fail(FileErrorCause::BadSeek);
-      if (std::uint64_t{entry.start} + entry.size > fileSize) return fail(FileErrorCause::EndOfFile);
+      if (IsBadSeek(entry.start) || std::uint64_t{entry.start} + entry.size > fileSize) {
+        s.damagedEntry = i;
+        return fail(IsBadSeek(entry.start) ? FileErrorCause::BadSeek : FileErrorCause::EndOfFile);
+      }
       if (entry.size > 0) {
         if (FileError e = fs.ReadAt(path, entry.start, entry.size, bytes); e != FileError::None) {
+          s.damagedEntry = i;
           return fail(CauseOf(e));
         }
       } else {
@@ -261,6 +272,9 @@ void DwgThumbnail::StartBackgroundLoad() {
   state_.statusText = kLoadingText;
   auto work = [this, path = path_, rect = itemRect, snapshot = state_]() mutable {
     snapshot.entries.clear();
+    snapshot.imageBlock = false;
+    snapshot.declaredEntries = -1;
+    snapshot.damagedEntry = -1;
     snapshot.dib.clear();
     snapshot.dibLayout.reset();
     Read(fs_, path, snapshot);

@@ -113,6 +113,14 @@ class DwgThumbnail {
   int imageWidth() const { return state_.imageWidth; }
   int imageHeight() const { return state_.imageHeight; }
   const std::vector<ThumbnailEntry>& entries() const { return state_.entries; }
+  // What a failed load got to, for tools that report on damaged files: whether
+  // the image block's sentinel was found, the entry count it declares (-1 before
+  // it is read) and the entry at which the load stopped (-1 for none). That entry
+  // is in entries() when its data was the problem, and past its end when its
+  // record was cut off.
+  bool foundImageBlock() const { return state_.imageBlock; }
+  int declaredEntries() const { return state_.declaredEntries; }
+  int damagedEntry() const { return state_.damagedEntry; }
   bool loaded() const { return loaded_; }
   bool loading() const { return loading_.load(); }
   bool HasDib() const { return state_.dibLayout.has_value(); }
@@ -138,6 +146,9 @@ class DwgThumbnail {
     int imageWidth = 0;
     int imageHeight = 0;
     std::vector<ThumbnailEntry> entries;
+    bool imageBlock = false;
+    int declaredEntries = -1;
+    int damagedEntry = -1;
     std::vector<std::uint8_t> dib;
     std::optional<DwgDibLayout> dibLayout;
   };

@@ -1,11 +1,31 @@
 #include "settings/profile_engine.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "text/codepage.h"
 
 namespace tavlet::profile {
 namespace {
+
+constexpr bool IsTrailByte(unsigned char c) { return c >= 0x40 && c <= 0xFE && c != 0x7F; }
+
+// Makes `out` a copy of `bytes` with every lead byte that has no trail byte after it
+// turned into "?"; false (and `out` untouched) when there is none.
+bool FixLoneLeads(std::string_view bytes, std::string& out) {
+  bool fixed = false;
+  for (std::size_t pos = 0; pos < bytes.size(); ++pos) {
+    if (!text::IsLeadByte(static_cast<unsigned char>(bytes[pos]))) continue;
+    if (pos + 1 < bytes.size() && IsTrailByte(static_cast<unsigned char>(bytes[pos + 1]))) {
+      ++pos;
+      continue;
+    }
+    if (!fixed) out.assign(bytes);
+    fixed = true;
+    out[pos] = '?';
+  }
+  return fixed;
+}
 
 // The platform's blank: C white space and the old end-of-file mark, Ctrl-Z.
 bool IsBlank(unsigned char c) {
@@ -23,6 +43,31 @@ std::string_view TrimRight(std::string_view s) {
 }
 
 std::string_view Trim(std::string_view s) { return TrimRight(TrimLeft(s)); }
+
+// A name or text a caller gives, read as the platform reads it: through UTF-16, where
+// a lone lead byte becomes "?" as in the file.
+class Asked {
+ public:
+  explicit Asked(std::string_view raw) : view_(FixLoneLeads(raw, fixed_) ? std::string_view(fixed_) : raw) {}
+  Asked(const Asked&) = delete;
+  Asked& operator=(const Asked&) = delete;
+  operator std::string_view() const { return view_; }
+
+ private:
+  std::string fixed_;
+  std::string_view view_;
+};
+
+// TrimRight by character: a blank byte that a lead byte takes is no blank.
+std::string_view TrimCharsRight(std::string_view s) {
+  std::size_t end = 0;
+  for (std::size_t pos = 0; pos < s.size();) {
+    const std::size_t length = text::CharLength(s, pos);
+    pos += length;
+    if (length == 2 || !IsBlank(static_cast<unsigned char>(s[pos - 1]))) end = pos;
+  }
+  return s.substr(0, end);
+}
 
 // Names and values are C strings on the platform: a NUL ends them.
 std::string_view CutAtNul(std::string_view s) { return s.substr(0, s.find('\0')); }
@@ -97,7 +142,8 @@ std::uint32_t CopyEntry(std::uint32_t* dest, Wide value, std::uint32_t size) {
 const Entry* FindEntry(const Document& document, std::string_view section, std::string_view key) {
   const Section* found = FindSection(document, section);
   if (!found) return nullptr;
-  const std::string_view wanted = Trim(key);
+  const Asked asked(key);
+  const std::string_view wanted = Trim(asked);
   for (const Entry& entry : found->entries)
     if (SameName(entry.name, wanted)) return &entry;
   return nullptr;
@@ -110,11 +156,14 @@ std::string_view TrimDefault(std::string_view def) {
 }
 
 // GetPrivateProfileSectionW and the key list of GetPrivateProfileStringW.
+// `cut` (when given) tells whether the list ran out of buffer: entries left over, or
+// the last one shortened.
 std::uint32_t SectionWide(const Document& document, std::string_view name, bool withValues,
-                          std::uint32_t* buffer, std::uint32_t size) {
+                          std::uint32_t* buffer, std::uint32_t size, bool* cut = nullptr) {
+  const Asked asked(name);
   const Section* section = nullptr;
   for (const Section& s : document.sections) {
-    if (SameName(s.name, name)) {
+    if (SameName(s.name, asked)) {
       section = &s;
       break;
     }
@@ -124,17 +173,29 @@ std::uint32_t SectionWide(const Document& document, std::string_view name, bool 
     if (size > 1) buffer[1] = 0;
     return 0;
   }
+  auto listed = [withValues](const Entry& entry) {
+    if (entry.name.empty() && !entry.value) return false;
+    if (!entry.name.empty() && entry.name[0] == ';') return false;
+    return withValues || entry.value.has_value();
+  };
   std::uint32_t len = size;
   std::uint32_t pos = 0;
-  for (const Entry& entry : section->entries) {
-    if (len <= 2) break;
-    if (entry.name.empty() && !entry.value) continue;
-    if (!entry.name.empty() && entry.name[0] == ';') continue;
-    if (!withValues && !entry.value) continue;
+  bool stopped = false;
+  const std::vector<Entry>& entries = section->entries;
+  for (auto it = entries.begin(); it != entries.end(); ++it) {
+    const Entry& entry = *it;
+    if (len <= 2) {
+      stopped = std::any_of(it, entries.end(), listed);
+      break;
+    }
+    if (!listed(entry)) continue;
     std::uint32_t n = CopyN(buffer + pos, ToWide(entry.name), len - 1);
     len -= n + 1;
     pos += n + 1;
-    if (len < 2) break;
+    if (len < 2) {
+      stopped = true;
+      break;
+    }
     if (withValues && entry.value) {
       buffer[pos - 1] = '=';
       n = CopyN(buffer + pos, ToWide(*entry.value), len - 1);
@@ -143,6 +204,7 @@ std::uint32_t SectionWide(const Document& document, std::string_view name, bool 
     }
   }
   buffer[pos] = 0;
+  if (cut) *cut = stopped || len <= 1;
   if (len <= 1) {
     buffer[pos - 1] = 0;
     return size - 2;
@@ -150,7 +212,8 @@ std::uint32_t SectionWide(const Document& document, std::string_view name, bool 
   return size - len;
 }
 
-std::uint32_t NamesWide(const Document& document, std::uint32_t* buffer, std::uint32_t size) {
+std::uint32_t NamesWide(const Document& document, std::uint32_t* buffer, std::uint32_t size,
+                        bool& cut) {
   if (size == 0) return 0;
   if (size == 1) {
     buffer[0] = 0;
@@ -168,6 +231,7 @@ std::uint32_t NamesWide(const Document& document, std::uint32_t* buffer, std::ui
         buffer[pos++] = 0;
       }
       buffer[pos] = 0;
+      cut = true;
       return size - 2;
     }
     for (std::uint32_t c : name) buffer[pos++] = c;
@@ -232,8 +296,10 @@ Section& SectionForWrite(Document& document, std::string_view name) {
   return document.sections.back();
 }
 
-bool SetValue(Document& document, std::string_view section, std::string_view key,
-              std::string_view value, bool alwaysAdd) {
+bool SetValue(Document& document, std::string_view rawSection, std::string_view rawKey,
+              std::string_view rawValue, bool alwaysAdd) {
+  const Asked section(rawSection), key(rawKey), asked(rawValue);
+  std::string_view value = asked;
   Section& target = SectionForWrite(document, section);
   value = CutAtNul(TrimLeft(value));
   Entry* entry = nullptr;
@@ -257,36 +323,97 @@ bool SetValue(Document& document, std::string_view section, std::string_view key
 
 }  // namespace
 
-Document Parse(std::string_view bytes) {
+// The platform reads the file as characters: a lead byte takes the trail byte after
+// it, so a trail byte is never a line end, a "]" or a blank. Either of CR and LF ends
+// a line, wherever it stands.
+Document Parse(std::string_view raw) {
+  std::string fixed;
+  const std::string_view bytes = FixLoneLeads(raw, fixed) ? std::string_view(fixed) : raw;
   Document document;
   document.sections.emplace_back();
-  std::size_t next = 0;
-  while (next < bytes.size()) {
-    const std::size_t start = next;
-    std::size_t end = bytes.find('\n', start);
-    if (end == std::string_view::npos) end = bytes.find('\r', start);
-    next = end == std::string_view::npos ? bytes.size() : end + 1;
-    const std::string_view line = Trim(bytes.substr(start, next - start));
-    if (line.empty()) continue;
-    if (line[0] == '[') {
-      const std::size_t close = line.rfind(']');
-      if (close != std::string_view::npos && close > 0) {
-        document.sections.push_back(
-            Section{std::string(CutAtNul(Trim(line.substr(1, close - 1)))), {}});
+  const std::size_t size = bytes.size();
+  std::size_t pos = 0;
+  while (pos < size) {
+    // Line ends are blanks too, so this passes blank lines and leading blanks at once.
+    while (pos < size && IsBlank(static_cast<unsigned char>(bytes[pos]))) ++pos;
+    if (pos >= size) break;
+    const std::size_t start = pos;
+    std::size_t end = start;  // after the last character that is no blank
+    std::size_t equals = std::string_view::npos;
+    std::size_t nameEnd = start;
+    std::size_t close = std::string_view::npos;
+    while (pos < size) {
+      const auto c = static_cast<unsigned char>(bytes[pos]);
+      if (c == '\n' || c == '\r') break;
+      if (text::IsLeadByte(c) && pos + 1 < size) {  // a trail byte follows: see FixLoneLeads
+        pos += 2;
+        end = pos;
         continue;
       }
+      if (c == '=' && equals == std::string_view::npos) {
+        equals = pos;
+        nameEnd = end;
+      } else if (c == ']') {
+        close = pos;
+      }
+      ++pos;
+      if (!IsBlank(c)) end = pos;
+    }
+    const std::string_view line = bytes.substr(start, end - start);
+    if (line[0] == '[' && close != std::string_view::npos && close > start) {
+      document.sections.push_back(
+          Section{std::string(CutAtNul(TrimCharsRight(TrimLeft(line.substr(1, close - start - 1))))), {}});
+      continue;
     }
     Entry entry;
-    const std::size_t equals = line.find('=');
     if (equals == std::string_view::npos) {
       entry.name = std::string(CutAtNul(line));
     } else {
-      entry.name = std::string(CutAtNul(TrimRight(line.substr(0, equals))));
-      entry.value = std::string(CutAtNul(TrimLeft(line.substr(equals + 1))));
+      entry.name = std::string(CutAtNul(bytes.substr(start, nameEnd - start)));
+      entry.value = std::string(CutAtNul(TrimLeft(bytes.substr(equals + 1, end - equals - 1))));
     }
     document.sections.back().entries.push_back(std::move(entry));
   }
   return document;
+}
+
+bool IsUtf16File(std::string_view bytes) {
+  return bytes.size() >= 2 && bytes[0] == '\xFF' && bytes[1] == '\xFE';
+}
+
+FileText DecodeFile(std::string_view bytes) {
+  FileText file;
+  if (!IsUtf16File(bytes)) {
+    file.text = std::string(bytes);
+    return file;
+  }
+  file.utf16 = true;
+  file.text = text::FromUtf16Le(bytes.substr(2));
+  file.lossless = EncodeFile(file.text, true) == bytes;
+  return file;
+}
+
+std::string EncodeFile(std::string_view cp936, bool utf16) {
+  if (!utf16) return std::string(cp936);
+  return "\xFF\xFE" + text::ToUtf16Le(cp936);
+}
+
+std::string ProfilePath(std::string_view name, std::string_view windowsFolder) {
+  if (name.empty() || windowsFolder.empty()) return std::string(name);
+  const std::size_t first = text::CharLength(name, 0);
+  if (first < name.size() && name[first] == ':') return std::string(name);  // "C:name"
+  for (std::size_t pos = 0; pos < name.size(); pos += text::CharLength(name, pos)) {
+    if (text::CharLength(name, pos) == 1 && (name[pos] == '\\' || name[pos] == '/'))
+      return std::string(name);
+  }
+  std::string path(windowsFolder);
+  // By character: a folder that ends in a trail byte 0x5C still needs its separator.
+  bool separatorLast = false;
+  for (std::size_t pos = 0; pos < path.size(); pos += text::CharLength(path, pos))
+    separatorLast = text::CharLength(path, pos) == 1 && (path[pos] == '\\' || path[pos] == '/');
+  if (!separatorLast) path += '\\';
+  path += name;
+  return path;
 }
 
 std::string Serialize(const Document& document) {
@@ -317,7 +444,8 @@ std::string Serialize(const Document& document) {
 }
 
 const Section* FindSection(const Document& document, std::string_view name) {
-  const std::string_view wanted = Trim(name);
+  const Asked asked(name);
+  const std::string_view wanted = Trim(asked);
   for (const Section& s : document.sections)
     if (SameName(s.name, wanted)) return &s;
   return nullptr;
@@ -338,25 +466,37 @@ std::uint32_t GetKeyList(const Document& document, std::string_view section, std
                          char* buffer, std::uint32_t size) {
   if (size == 0) return 0;
   Wide w(size + 1, 0);
-  std::uint32_t n = SectionWide(document, section, false, w.data(), size);
-  if (w[0] == 0) n = CopyEntry(w.data(), ToWide(CutAtNul(TrimDefault(def))), size);
-  return NarrowString(w, n, buffer, size);
+  bool cut = false;
+  std::uint32_t n = SectionWide(document, section, false, w.data(), size, &cut);
+  // Unlike a key's default, this one keeps its trailing blanks.
+  if (w[0] == 0) {
+    n = CopyEntry(w.data(), ToWide(CutAtNul(def)), size);
+    cut = false;
+  }
+  const std::uint32_t ret = NarrowString(w, n, buffer, size);
+  // Windows (since Server 2003) ends a cut list with a NUL in the buffer's last byte
+  // too; Wine, and older Windows, leave that byte alone.
+  if (cut) buffer[size - 1] = 0;
+  return ret;
 }
 
 std::uint32_t GetSection(const Document& document, std::string_view section, char* buffer,
                          std::uint32_t size) {
   if (size == 0) return 0;
   Wide w(size + 1, 0);
-  const std::uint32_t n = SectionWide(document, section, true, w.data(), size);
+  bool cut = false;
+  const std::uint32_t n = SectionWide(document, section, true, w.data(), size, &cut);
   if (n == 0) {
     buffer[0] = 0;
     if (size > 1) buffer[1] = 0;
     return 0;
   }
-  // The whole list with both final NULs must fit; otherwise the bytes are cut at the
-  // buffer's end, whatever character that splits, and the last two become NULs.
-  auto [written, whole] = Narrow(w.data(), n + 2, buffer, size);
-  if (whole) return written - 2;
+  // The list and the NUL that ends it (both final NULs when the list was cut) must fit
+  // with a byte to spare; otherwise the bytes are cut at the buffer's end, whatever
+  // character that splits, and the last two become NULs.
+  const std::uint32_t ends = cut ? 2 : 1;
+  auto [written, whole] = Narrow(w.data(), n + ends, buffer, size);
+  if (whole && written < size) return written - ends;
   buffer[size - 2] = 0;
   buffer[size - 1] = 0;
   return size - 2;
@@ -365,15 +505,21 @@ std::uint32_t GetSection(const Document& document, std::string_view section, cha
 std::uint32_t GetSectionNames(const Document& document, char* buffer, std::uint32_t size) {
   if (size == 0) return 0;
   Wide w(size + 1, 0);
-  const std::uint32_t n = NamesWide(document, w.data(), size);
+  bool cut = false;
+  const std::uint32_t n = NamesWide(document, w.data(), size, cut);
+  std::uint32_t ret = 0;
   if (n == 0) {
     buffer[0] = 0;
-    return 0;
+  } else if (auto [written, whole] = Narrow(w.data(), n + 1, buffer, size - 1); whole) {
+    ret = written - 1;
+  } else {
+    ret = size - 2;
+    cut = true;
   }
-  auto [written, whole] = Narrow(w.data(), n + 1, buffer, size - 1);
-  if (whole) return written - 1;
-  buffer[size - 1] = 0;
-  return size - 2;
+  // Windows (since Server 2003) ends a cut list with a NUL in the buffer's last byte
+  // too; Wine, and older Windows, leave that byte alone.
+  if (cut) buffer[size - 1] = 0;
+  return ret;
 }
 
 unsigned GetInt(const Document& document, std::string_view section, std::string_view key,
@@ -426,7 +572,8 @@ bool WriteString(Document& document, std::string_view section, std::string_view 
   return SetValue(document, section, key, value, false);
 }
 
-bool DeleteKey(Document& document, std::string_view section, std::string_view key) {
+bool DeleteKey(Document& document, std::string_view rawSection, std::string_view rawKey) {
+  const Asked section(rawSection), key(rawKey);
   for (Section& s : document.sections) {
     if (s.name.empty() || !SameName(s.name, section)) continue;
     for (auto it = s.entries.begin(); it != s.entries.end(); ++it) {
@@ -439,7 +586,8 @@ bool DeleteKey(Document& document, std::string_view section, std::string_view ke
   return false;
 }
 
-bool DeleteSection(Document& document, std::string_view section) {
+bool DeleteSection(Document& document, std::string_view rawSection) {
+  const Asked section(rawSection);
   for (auto it = document.sections.begin(); it != document.sections.end(); ++it) {
     if (SameName(it->name, section)) {
       document.sections.erase(it);
@@ -449,7 +597,8 @@ bool DeleteSection(Document& document, std::string_view section) {
   return false;
 }
 
-bool WriteSection(Document& document, std::string_view section, std::string_view body) {
+bool WriteSection(Document& document, std::string_view rawSection, std::string_view body) {
+  const Asked section(rawSection);
   bool changed = false;
   for (Section& s : document.sections) {
     if (!s.name.empty() && SameName(s.name, section)) {
@@ -489,6 +638,7 @@ std::string StructText(const void* data, std::uint32_t size) {
 
 bool WriteStruct(Document& document, std::string_view section, std::string_view key,
                  const void* data, std::uint32_t size) {
+  if (data == nullptr) return DeleteKey(document, section, key);
   return WriteString(document, section, key, StructText(data, size));
 }
 

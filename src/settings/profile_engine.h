@@ -31,6 +31,29 @@ struct Document {
   std::vector<Section> sections;
 };
 
+// A file's text as the engine works on it. A file that begins with the UTF-16LE
+// byte-order mark is read as UTF-16 and its text converted to code page 936;
+// `lossless` says whether writing that text back gives the same file again (a
+// character that code page 936 lacks, a broken surrogate or an odd last byte don't).
+// Any other file is code-page 936 bytes as they stand.
+struct FileText {
+  std::string text;
+  bool utf16 = false;
+  bool lossless = true;
+};
+FileText DecodeFile(std::string_view bytes);
+bool IsUtf16File(std::string_view bytes);  // begins with the UTF-16LE mark
+// The bytes a file of that form holds for `text`: UTF-16LE after its mark, or `text`.
+std::string EncodeFile(std::string_view text, bool utf16);
+
+// Where the platform looks for a profile file: a name without any folder (no
+// separator and no drive) is in the Windows folder; any other path is used as it is.
+// An empty `windowsFolder` leaves every name as it is.
+std::string ProfilePath(std::string_view name, std::string_view windowsFolder);
+
+// A lead byte without a trail byte after it (a line end, a NUL, the end) reads as
+// "?", as the platform's conversion to UTF-16 and back leaves it; so do the names
+// and values that the calls below are given.
 Document Parse(std::string_view bytes);
 // CR-LF lines, no blank lines; a section without a name gets no header.
 std::string Serialize(const Document& document);
@@ -59,6 +82,7 @@ bool DeleteKey(Document& document, std::string_view section, std::string_view ke
 bool DeleteSection(Document& document, std::string_view section);
 // WritePrivateProfileSectionA: `body` is "key=value" strings, each ended by a NUL.
 bool WriteSection(Document& document, std::string_view section, std::string_view body);
+// A null `data` deletes the key, as a null string does.
 bool WriteStruct(Document& document, std::string_view section, std::string_view key,
                  const void* data, std::uint32_t size);
 // The text WritePrivateProfileStructA stores: hex pairs and a checksum pair.

@@ -10,7 +10,10 @@
 namespace tavlet {
 
 ProfileFile::ProfileFile(FileSystem& files, std::string path, bool removeEmptyValues)
-    : files_(files), path_(std::move(path)), pathSet_(true), removeEmptyValues_(removeEmptyValues) {}
+    : files_(files),
+      path_(profile::ProfilePath(path, files.WindowsFolder())),
+      pathSet_(true),
+      removeEmptyValues_(removeEmptyValues) {}
 
 ProfileFile::ProfileFile(FileSystem& files, std::istream& stream) : files_(files) {
   path_ = files_.CreateTempFile("MV_");
@@ -40,14 +43,25 @@ bool ProfileFile::Load(const profile::Document*& document) {
   }
   std::string bytes;
   const FileError error = files_.ReadFile(path_, bytes);
+  fileMissing_ = error == FileError::NotFound;
   if (error != FileError::None) {
     cachedDocument_ = profile::Parse("");
     cacheValid_ = false;
     cacheReadsBack_ = true;
+    cacheUtf16_ = false;
+    cacheWritable_ = true;
     return error == FileError::NotFound;
   }
   if (!cacheValid_ || bytes != cachedBytes_) {
-    cachedDocument_ = profile::Parse(bytes);
+    cacheUtf16_ = profile::IsUtf16File(bytes);
+    cacheWritable_ = true;
+    if (cacheUtf16_) {
+      const profile::FileText file = profile::DecodeFile(bytes);
+      cachedDocument_ = profile::Parse(file.text);
+      cacheWritable_ = file.lossless;
+    } else {
+      cachedDocument_ = profile::Parse(bytes);
+    }
     cacheReadsBack_ = profile::ReadsBackAsWritten(cachedDocument_);
     cachedBytes_ = std::move(bytes);
     cacheValid_ = true;
@@ -56,25 +70,40 @@ bool ProfileFile::Load(const profile::Document*& document) {
 }
 
 template <typename Change>
-bool ProfileFile::Modify(Change&& change, bool readsBack) {
+bool ProfileFile::Modify(Change&& change, bool readsBack, bool emptyFileWhenMissing) {
   const profile::Document* current = nullptr;
   if (!Load(current)) return false;
+  // A UTF-16 file holding characters that code page 936 lacks would lose them in
+  // the rewrite: it is left whole, and the write fails.
+  if (!cacheWritable_) return false;
   // The change is made on the cached document itself; a failed write takes it back
   // by parsing the bytes that are still on disk.
-  if (!change(cachedDocument_)) return true;  // nothing changed: the file is left alone
-  std::string bytes = profile::Serialize(cachedDocument_);
+  if (!change(cachedDocument_)) {
+    // Nothing changed: the file is left alone. But a deletion from a file that isn't
+    // there leaves it there, empty, as Windows does (Wine writes nothing).
+    if (!emptyFileWhenMissing || !fileMissing_) return true;
+    if (files_.WriteFileAtomic(path_, "") != FileError::None) return false;
+    fileMissing_ = false;
+    cachedBytes_.clear();
+    cacheValid_ = true;
+    return true;
+  }
+  std::string text = profile::Serialize(cachedDocument_);
+  std::string encoded = cacheUtf16_ ? profile::EncodeFile(text, true) : std::string();
+  const std::string& bytes = cacheUtf16_ ? encoded : text;
   if (files_.WriteFileAtomic(path_, bytes) != FileError::None) {
-    cachedDocument_ = profile::Parse(cacheValid_ ? std::string_view(cachedBytes_) : "");
+    const profile::FileText old = profile::DecodeFile(cacheValid_ ? cachedBytes_ : std::string());
+    cachedDocument_ = profile::Parse(old.text);
     cacheReadsBack_ = profile::ReadsBackAsWritten(cachedDocument_);
     return false;
   }
   // The file is what counts, not the document that made it: a value's trailing blanks
   // or a nameless section read back differently.
   if (!cacheReadsBack_ || !readsBack) {
-    cachedDocument_ = profile::Parse(bytes);
+    cachedDocument_ = profile::Parse(text);
     cacheReadsBack_ = profile::ReadsBackAsWritten(cachedDocument_);
   }
-  cachedBytes_ = std::move(bytes);
+  cachedBytes_ = cacheUtf16_ ? std::move(encoded) : std::move(text);
   cacheValid_ = true;
   return true;
 }
@@ -98,13 +127,15 @@ bool ProfileFile::WriteDouble(std::string_view section, std::string_view key, do
 bool ProfileFile::WriteString(std::string_view section, std::string_view key,
                               std::string_view value) {
   if (value.empty() && removeEmptyValues_)
-    return Modify([&](profile::Document& d) { return profile::DeleteKey(d, section, key); }, true);
+    return Modify([&](profile::Document& d) { return profile::DeleteKey(d, section, key); }, true, true);
   return Modify([&](profile::Document& d) { return profile::WriteString(d, section, key, value); },
                 profile::WriteReadsBack(section, key, value));
 }
 
 bool ProfileFile::WriteStruct(std::string_view section, std::string_view key, const void* data,
                               std::uint32_t size) {
+  if (data == nullptr)
+    return Modify([&](profile::Document& d) { return profile::DeleteKey(d, section, key); }, true, true);
   return Modify(
       [&](profile::Document& d) { return profile::WriteStruct(d, section, key, data, size); });
 }
@@ -187,7 +218,7 @@ std::size_t ProfileFile::GetSectionNames(std::vector<std::string>& list) {
 }
 
 bool ProfileFile::DeleteSection(std::string_view section) {
-  return Modify([&](profile::Document& d) { return profile::DeleteSection(d, section); });
+  return Modify([&](profile::Document& d) { return profile::DeleteSection(d, section); }, true, true);
 }
 
 bool ProfileFile::ClearSection(std::string_view section) {

@@ -3,7 +3,8 @@
 // bytes are unchanged), does what the platform's private-profile call does, and a
 // write replaces the file atomically: a write that fails leaves the old file whole
 // and returns false. Reads of a missing or unreadable file see an empty file; the
-// first write creates it.
+// first write creates it. A name without a folder is in the Windows folder, and a
+// UTF-16LE file (with its byte-order mark) is read and written back as UTF-16.
 //
 //   ProfileFile worksets(NativeFileSystem(), path, /*removeEmptyValues=*/true);
 //   worksets.WriteString("Site plans", "文件1", "C:\\Jobs\\site.dwg,0");
@@ -50,6 +51,7 @@ class ProfileFile {
   bool WriteDouble(std::string_view section, std::string_view key, double value);  // "%g"
   // An empty value deletes the key when removeEmptyValues is set.
   bool WriteString(std::string_view section, std::string_view key, std::string_view value);
+  // A null `data` deletes the key.
   bool WriteStruct(std::string_view section, std::string_view key, const void* data,
                    std::uint32_t size);
 
@@ -84,9 +86,11 @@ class ProfileFile {
   // write must not replace what it couldn't read).
   bool Load(const profile::Document*& document);
   // `readsBack`: the change keeps a document that reads back as written, so the
-  // document needn't be parsed again from the bytes written.
+  // document needn't be parsed again from the bytes written. `emptyFileWhenMissing`:
+  // the change is a deletion, which makes a missing file (empty) even when it has
+  // nothing to delete.
   template <typename Change>
-  bool Modify(Change&& change, bool readsBack = false);
+  bool Modify(Change&& change, bool readsBack = false, bool emptyFileWhenMissing = false);
 
   FileSystem& files_;
   std::string path_;
@@ -95,6 +99,9 @@ class ProfileFile {
   bool ownsTempFile_ = false;
   bool cacheValid_ = false;
   bool cacheReadsBack_ = false;  // cachedDocument_ serializes to bytes that parse back to it
+  bool cacheUtf16_ = false;      // the file is UTF-16LE with its mark, and is written back so
+  bool cacheWritable_ = true;    // a rewrite keeps every character of the file
+  bool fileMissing_ = false;     // the last read found no file
   std::string cachedBytes_;
   profile::Document cachedDocument_;
 };

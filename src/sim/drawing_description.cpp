@@ -179,6 +179,11 @@ ParseResult ParseDrawingDescription(const std::string& utf8, const std::string& 
       if (l == name) return;
     throw LineError{"unknown layout '" + name + "'"};
   };
+  auto knownBlock = [&](const std::string& name) {
+    for (const auto& b : out.blocks)
+      if (b.name == name) return;
+    throw LineError{"unknown block '" + name + "' (a block is declared before what it holds)"};
+  };
   auto handle = [&](Cursor& c) {
     const std::string keyword = c.Keyword();
     if (keyword == "line" || keyword == "rect" || keyword == "fill") {
@@ -259,8 +264,13 @@ ParseResult ParseDrawingDescription(const std::string& utf8, const std::string& 
       out.xrefs.push_back(x);
     } else if (keyword == "image" || keyword == "ole" || keyword == "entity") {
       EntityDesc e;
-      e.layout = c.Text("layout");
-      knownLayout(e.layout);
+      if (c.Accept("block")) {
+        e.block = c.Text("block name");
+        knownBlock(e.block);
+      } else {
+        e.layout = c.Text("layout");
+        knownLayout(e.layout);
+      }
       if (keyword == "image") {
         e.kind = EntityDesc::Kind::Image;
         e.path = c.Text("image file");

@@ -49,13 +49,16 @@ struct XrefDesc {
 struct EntityDesc {
   enum class Kind { Plain, Image, Ole };
   Kind kind = Kind::Plain;
-  std::string layout;  // "Model" or a layout's name
+  std::string layout;  // "Model" or a layout's name, when `block` is empty
+  std::string block;   // the named block whose definition holds it, if any
   std::string path;    // image file or OLE link source
   bool linked = false;
   bool erased = false;
   std::vector<std::string> hyperlinks;
 };
 
+// A named block; a name that starts with '*' is anonymous, one with '|' comes
+// from an external reference (dependent), as the host names them.
 struct BlockDesc {
   std::string name;
   std::vector<std::string> hyperlinks;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <utility>
 
 #include "text/codepage.h"
 
@@ -42,7 +43,8 @@ std::size_t LastSeparator(const std::string& s) {
 
 }  // namespace
 
-MemoryFileSystem::MemoryFileSystem(std::string tempFolder) : tempFolder_(Normalize(tempFolder)) {
+MemoryFileSystem::MemoryFileSystem(std::string tempFolder, std::string windowsFolder)
+    : tempFolder_(Normalize(tempFolder)), windowsFolder_(std::move(windowsFolder)) {
   AddFolder(tempFolder_);
 }
 

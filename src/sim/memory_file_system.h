@@ -40,7 +40,10 @@ class MemoryFileSystem : public FileSystem {
   };
 
   // `tempFolder` is where CreateTempFile puts its files; it is created at once.
-  explicit MemoryFileSystem(std::string tempFolder = "C:\\Temp");
+  // `windowsFolder` is only named (WindowsFolder()); AddFolder makes it when a test
+  // needs it.
+  explicit MemoryFileSystem(std::string tempFolder = "C:\\Temp",
+                            std::string windowsFolder = "C:\\Windows");
 
   // Setup. Missing parent folders are created. Adding over an existing file
   // replaces it.
@@ -75,6 +78,7 @@ class MemoryFileSystem : public FileSystem {
   FileError CreateFolders(const std::string& path) override;
   std::string CreateTempFile(std::string_view prefix) override;
   FileError ListFolder(const std::string& path, std::vector<std::string>& names) override;
+  std::string WindowsFolder() override { return windowsFolder_; }
 
  private:
   struct Node {
@@ -100,6 +104,7 @@ class MemoryFileSystem : public FileSystem {
 
   std::map<std::string, Node> nodes_;  // by Key()
   std::string tempFolder_;
+  std::string windowsFolder_;
   unsigned tempCounter_ = 0;
   std::vector<PendingFailure> pending_;
   std::map<std::string, FileError> failingPaths_;  // by Key()

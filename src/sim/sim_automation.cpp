@@ -264,6 +264,7 @@ class SimPlot final : public SimCounted<port::AcadPlot> {
     if (port::Result r = host_.Enter("AcadPlot::PlotToDevice")) return r;
     if (doc_.closed) return host_.Fail(port::kDispatchException, kClosed);
     doc_.actions.push_back("plot " + doc_.content.activeLayout + (configuration ? std::string(" ") + configuration : ""));
+    host_.RecordPlot(doc_);
     *plotted = true;
     return port::kOk;
   }

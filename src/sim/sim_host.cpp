@@ -236,6 +236,10 @@ port::Document SimHost::NewDrawing() {
 }
 
 port::Result SimHost::OpenThroughAutomation(const std::string& path, bool readOnly, port::Document* doc) {
+  *doc = nullptr;
+  std::string version = VersionOfFile(path);
+  if (!version.empty() && !ReadsVersion(version))
+    return Fail(port::kHostException, "The drawing file was made by a later release.");
   std::string error;
   *doc = OpenFile(path, readOnly, error);
   if (!*doc) return Fail(port::kFail, error);
@@ -418,6 +422,7 @@ void SimHost::ExecuteScript(SimDocument& d, const std::string& script) {
     }
     if (!token.empty()) tokens.push_back(token);
     if (tokens.empty()) continue;
+    transcript_ += "Command: " + line + "\n";
     std::string name = tokens.front();
     while (!name.empty() && (name.front() == '_' || name.front() == '.')) name.erase(0, 1);
     SimDocument* target = Find(current_);
@@ -872,6 +877,11 @@ port::Result SimHost::ProductKey(port::TextSink* key) {
 port::Result SimHost::ProfileRegistryRoot(const char* profile, port::TextSink* root) {
   if (port::Result r = Enter("HostServices::ProfileRegistryRoot")) return r;
   if (!profile || !*profile) return port::kFalse;
+  if (auto known = profileRoots_.find(profile); known != profileRoots_.end()) {
+    if (known->second.empty()) return port::kFalse;
+    Give(root, known->second);
+    return port::kOk;
+  }
   Give(root, "HKEY_CURRENT_USER\\" + productKey_ + "\\Profiles\\" + profile);
   return port::kOk;
 }

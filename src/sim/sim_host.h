@@ -52,6 +52,7 @@ struct SimDocument {
   // What automation did to it, in order: "zoom extents", "zoom all", "zoom window",
   // "view NAME", "regen", "plot LAYOUT", "refresh LAYOUT".
   std::vector<std::string> actions;
+  std::shared_ptr<struct SimEntityIndex> entityIndex;  // sim_content.cpp's, made on the first walk
 };
 
 struct ShownBox {
@@ -174,6 +175,31 @@ class SimHost final : public port::HostSession,
   std::vector<std::pair<std::string, std::string>> RegisteredCommands() const;
   bool IsLocked(port::Document doc) const;
   FileSystem& Files() { return fs_; }
+  // Database objects handed out and not yet closed (released).
+  int& OpenDatabaseObjects() { return openDatabaseObjects_; }
+
+  // ---- what the drawing operations meet ----
+  struct PlotRecord {
+    std::string drawing;  // the drawing's file name
+    std::string layout;   // the layout that plotted
+    long backgroundPlot = 0;  // BACKGROUNDPLOT while it plotted
+  };
+  // Every plot, in order.
+  const std::vector<PlotRecord>& Plots() const { return plots_; }
+  void RecordPlot(const SimDocument& d);
+  // The release number of the version text: 16.1 for "16.1s (LMS Tech)".
+  double Release() const;
+  // The open through automation takes the releases the version table knows, up
+  // to the host's own; any other drawing makes the host fail inside the call
+  // (kHostException). The user's own OpenDrawing still opens them, so that demos
+  // show any real drawing's thumbnail.
+  bool ReadsVersion(const std::string& versionString) const;
+  // The version string of a drawing file or description; empty for anything else.
+  std::string VersionOfFile(const std::string& path) const;
+  // A profile's registry root; an empty root: the profile manager gives none.
+  void SetProfileRegistryRoot(const std::string& profile, const std::string& root) {
+    profileRoots_[profile] = root;
+  }
 
   // ---- used by the automation and sheet-set objects ----
   port::Result Enter(const char* call);  // counts the call, applies a planned fault
@@ -235,39 +261,16 @@ class SimHost final : public port::HostSession,
 
   // DrawingDatabase
   port::Result TAVLET_PORT_CALL Tilemode(port::Database db, bool* tilemode) override;
-  port::Result TAVLET_PORT_CALL BlockRecordCount(port::Database db, long* count) override;
-  port::Result TAVLET_PORT_CALL BlockRecord(port::Database db, long block, port::BlockRecordInfo* info,
-                                            port::TextSink* name) override;
-  port::Result TAVLET_PORT_CALL XrefFileName(port::Database db, long block, port::TextSink* path,
-                                             bool* present) override;
-  port::Result TAVLET_PORT_CALL LayoutName(port::Database db, long block, port::TextSink* name) override;
-  port::Result TAVLET_PORT_CALL LayoutTabOrder(port::Database db, long block, long* tabOrder) override;
   port::Result TAVLET_PORT_CALL ActiveLayoutName(port::Database db, port::TextSink* name) override;
-  port::Result TAVLET_PORT_CALL CurrentSpaceBlock(port::Database db, long* block) override;
-  port::Result TAVLET_PORT_CALL EntityCount(port::Database db, long block, long* count) override;
-  port::Result TAVLET_PORT_CALL Entity(port::Database db, long block, long entity, port::EntityInfo* info) override;
-  port::Result TAVLET_PORT_CALL ImageFileName(port::Database db, long block, long entity, port::TextSink* path,
-                                              bool* present) override;
-  port::Result TAVLET_PORT_CALL OleLinkPath(port::Database db, long block, long entity, port::TextSink* path,
-                                            bool* present) override;
-  port::Result TAVLET_PORT_CALL HasHyperlink(port::Database db, long block, long entity, bool* has) override;
-  port::Result TAVLET_PORT_CALL HyperlinkCount(port::Database db, long block, long entity, long* count) override;
-  port::Result TAVLET_PORT_CALL Hyperlink(port::Database db, long block, long entity, long index,
-                                          port::TextSink* name) override;
+  port::Result TAVLET_PORT_CALL CurrentSpaceId(port::Database db, port::ObjectId* block) override;
+  port::Result TAVLET_PORT_CALL OpenBlockTable(port::Database db, port::SymbolTable** table) override;
+  port::Result TAVLET_PORT_CALL OpenViewTable(port::Database db, port::ViewTable** table) override;
+  port::Result TAVLET_PORT_CALL OpenBlockRecord(port::ObjectId id, port::BlockRecord** record) override;
+  port::Result TAVLET_PORT_CALL OpenViewRecord(port::ObjectId id, port::ViewRecord** record) override;
   port::Result TAVLET_PORT_CALL HasLayerStateManager(port::Database db, bool* exists) override;
-  port::Result TAVLET_PORT_CALL LayerStateCount(port::Database db, long* count) override;
-  port::Result TAVLET_PORT_CALL LayerStateName(port::Database db, long index, port::TextSink* name) override;
+  port::Result TAVLET_PORT_CALL LayerStatesDictionary(port::Database db, port::ObjectId* dictionary) override;
+  port::Result TAVLET_PORT_CALL OpenDictionary(port::ObjectId id, port::Dictionary** dictionary) override;
   port::Result TAVLET_PORT_CALL RestoreLayerState(port::Database db, const char* name, long* acadStatus) override;
-  port::Result TAVLET_PORT_CALL ViewCount(port::Database db, long* count) override;
-  port::Result TAVLET_PORT_CALL ViewAt(port::Database db, long index, port::ViewRecordInfo* info,
-                                       port::TextSink* name) override;
-  port::Result TAVLET_PORT_CALL ViewXDataCount(port::Database db, const char* view, const char* application,
-                                               long* count) override;
-  port::Result TAVLET_PORT_CALL ViewXDataItem(port::Database db, const char* view, const char* application,
-                                              long index, long* groupCode, port::TextSink* text) override;
-  port::Result TAVLET_PORT_CALL SetViewPaperSpace(port::Database db, const char* view, bool paperSpace) override;
-  port::Result TAVLET_PORT_CALL SetViewXData(port::Database db, const char* view, const port::XDataItem* items,
-                                             long count) override;
   port::Result TAVLET_PORT_CALL AddRegApp(port::Database db, const char* application, long* acadStatus) override;
   port::Result TAVLET_PORT_CALL ErrorStatusText(long acadStatus, port::TextSink* text) override;
   port::Result TAVLET_PORT_CALL HasSummaryInfo(port::Database db, bool* present) override;
@@ -363,6 +366,9 @@ class SimHost final : public port::HostSession,
   std::string productKey_ = "Software\\Host\\R16.1\\ACAD-301:804";
   ThumbnailReader thumbnailReader_;
   port::AcadApplication* application_ = nullptr;
+  int openDatabaseObjects_ = 0;
+  std::vector<PlotRecord> plots_;
+  std::map<std::string, std::string> profileRoots_;
 };
 
 }  // namespace tavlet::sim

@@ -260,50 +260,89 @@ std::size_t Mbccpy(char* dest, const char* src) {
   return 2;
 }
 
+namespace {
+
+// The next character of code-page 936 text as a code point. 0xFF, a lead byte at the
+// end, or a lead byte before a byte that can't be a trail: the lead alone is replaced
+// and the next byte is read on its own.
+char32_t NextCodePoint(std::string_view cp936, std::size_t& pos) {
+  auto c = static_cast<unsigned char>(cp936[pos]);
+  if (c < 0x80) {
+    ++pos;
+    return c;
+  }
+  if (c == 0x80) {
+    ++pos;
+    return kEuro;
+  }
+  if (IsLeadByte(c) && pos + 1 < cp936.size() && IsTrailByte(static_cast<unsigned char>(cp936[pos + 1]))) {
+    auto trail = static_cast<unsigned char>(cp936[pos + 1]);
+    pos += 2;
+    return kDoubleByteUnicode[(c - 0x81) * 190 + TrailIndex(trail)];
+  }
+  ++pos;
+  return kReplacement;
+}
+
+void AppendCp936(std::string& out, char32_t u) {
+  if (u < 0x80) {
+    out += static_cast<char>(u);
+    return;
+  }
+  std::uint16_t code = u < 0x10000 ? ReverseTable()[u] : 0;
+  if (code == 0) {
+    out += '?';
+  } else if (code < 0x100) {
+    out += static_cast<char>(code);
+  } else {
+    out += static_cast<char>(code >> 8);
+    out += static_cast<char>(code & 0xFF);
+  }
+}
+
+}  // namespace
+
 std::string ToUtf8(std::string_view cp936) {
   std::string out;
   out.reserve(cp936.size() * 3 / 2);
-  for (std::size_t pos = 0; pos < cp936.size();) {
-    auto c = static_cast<unsigned char>(cp936[pos]);
-    if (c < 0x80) {
-      out += static_cast<char>(c);
-      ++pos;
-    } else if (c == 0x80) {
-      AppendUtf8(out, kEuro);
-      ++pos;
-    } else if (IsLeadByte(c) && pos + 1 < cp936.size() && IsTrailByte(static_cast<unsigned char>(cp936[pos + 1]))) {
-      auto trail = static_cast<unsigned char>(cp936[pos + 1]);
-      AppendUtf8(out, kDoubleByteUnicode[(c - 0x81) * 190 + TrailIndex(trail)]);
-      pos += 2;
-    } else {
-      // 0xFF, a lead byte at the end, or a lead byte before a byte that can't be a
-      // trail: the lead alone is replaced and the next byte is read on its own.
-      AppendUtf8(out, kReplacement);
-      ++pos;
-    }
-  }
+  for (std::size_t pos = 0; pos < cp936.size();) AppendUtf8(out, NextCodePoint(cp936, pos));
   return out;
 }
 
 std::string FromUtf8(std::string_view utf8) {
-  const auto& reverse = ReverseTable();
   std::string out;
   out.reserve(utf8.size());
-  for (std::size_t pos = 0; pos < utf8.size();) {
-    char32_t u = DecodeUtf8(utf8, pos);
-    if (u < 0x80) {
-      out += static_cast<char>(u);
-      continue;
+  for (std::size_t pos = 0; pos < utf8.size();) AppendCp936(out, DecodeUtf8(utf8, pos));
+  return out;
+}
+
+std::string ToUtf16Le(std::string_view cp936) {
+  std::string out;
+  out.reserve(cp936.size() * 2);
+  for (std::size_t pos = 0; pos < cp936.size();) {
+    // Every code point of the table is in the basic plane: one unit each.
+    const char32_t u = NextCodePoint(cp936, pos);
+    out += static_cast<char>(u & 0xFF);
+    out += static_cast<char>(u >> 8);
+  }
+  return out;
+}
+
+std::string FromUtf16Le(std::string_view utf16le) {
+  auto unitAt = [&utf16le](std::size_t i) {
+    return static_cast<char32_t>(static_cast<unsigned char>(utf16le[i]) |
+                                 (static_cast<unsigned char>(utf16le[i + 1]) << 8));
+  };
+  std::string out;
+  out.reserve(utf16le.size() / 2);
+  for (std::size_t i = 0; i + 1 < utf16le.size(); i += 2) {
+    char32_t u = unitAt(i);
+    if (u >= 0xD800 && u <= 0xDBFF && i + 3 < utf16le.size() && unitAt(i + 2) >= 0xDC00 &&
+        unitAt(i + 2) <= 0xDFFF) {
+      u = 0x10000 + ((u - 0xD800) << 10) + (unitAt(i + 2) - 0xDC00);
+      i += 2;
     }
-    std::uint16_t code = u < 0x10000 ? reverse[u] : 0;
-    if (code == 0) {
-      out += '?';
-    } else if (code < 0x100) {
-      out += static_cast<char>(code);
-    } else {
-      out += static_cast<char>(code >> 8);
-      out += static_cast<char>(code & 0xFF);
-    }
+    AppendCp936(out, u);  // a lone surrogate has no code-page 936 form either: "?"
   }
   return out;
 }

@@ -25,9 +25,8 @@ std::string Show(const char* buffer, std::uint32_t size) {
   return out;
 }
 
-// Cuts at small buffers, byte for byte as the platform leaves them ('#' = untouched;
-// the Wine differential test zero-fills its buffers, so only here are untouched
-// bytes told apart from written NULs).
+// Cuts at small buffers, byte for byte as the platform leaves them ('#' = untouched).
+// A cut list of names or keys ends with a NUL in the last byte, as on Windows.
 TEST(ProfileEngine, TruncationAtTheBufferFollowsThePlatform) {
   const char* ascii = "[a]\nx=12345\ny=67\n[bb]\n[ccc]\n";
   const char* cp936 = "[中]\n文=中文\nk=v\n[文文]\n";
@@ -42,13 +41,13 @@ TEST(ProfileEngine, TruncationAtTheBufferFollowsThePlatform) {
       {"sec", ascii, 1, "|", 0},        {"sec", ascii, 2, "||", 0},
       {"sec", ascii, 3, "x||", 1},      {"sec", ascii, 5, "x=1||", 3},
       {"sec", ascii, 8, "x=1234||", 6}, {"sec", ascii, 9, "x=12345||", 7},
-      {"names", ascii, 2, "|#", 0},     {"names", ascii, 3, "a|#", 1},
-      {"names", ascii, 4, "a||#", 2},   {"names", ascii, 5, "a|b|#", 3},
-      {"names", ascii, 8, "a|bb|c|#", 6},
+      {"names", ascii, 2, "||", 0},     {"names", ascii, 3, "a||", 1},
+      {"names", ascii, 4, "a|||", 2},   {"names", ascii, 5, "a|b||", 3},
+      {"names", ascii, 8, "a|bb|c||", 6},
       {"str", ascii, 1, "|", 0},        {"str", ascii, 4, "123|", 3},
       {"str", ascii, 7, "12345|#", 5},
-      {"keys", ascii, 2, "D|", 1},      {"keys", ascii, 3, "x|#", 1},
-      {"keys", ascii, 4, "x||#", 2},    {"keys", ascii, 5, "x|y|#", 3},
+      {"keys", ascii, 2, "D|", 1},      {"keys", ascii, 3, "x||", 1},
+      {"keys", ascii, 4, "x|||", 2},    {"keys", ascii, 5, "x|y||", 3},
       {"csec", cp936, 3, "CE||", 1},    {"csec", cp936, 4, "CEC4||", 2},
       {"csec", cp936, 9, "CEC4=D6D0CEC4||", 7},
       {"csec", cp936, 10, "CEC4=D6D0CEC4|||", 8},
@@ -138,8 +137,12 @@ TEST(ProfileFileReads, WhatWasWrittenReadsBackAsTheFileHasIt) {
   files.AddFolder("C:\\Data");
   ProfileFile f(files, kIni, true);
   EXPECT_EQ(f.GetString("s", "k", "D"), "D");
-  EXPECT_TRUE(f.WriteString("s", "k", ""));  // removing from nothing writes nothing
-  EXPECT_FALSE(files.Stat(kIni).exists);
+  EXPECT_TRUE(f.WriteString("s", "k", ""));  // removing from no file leaves an empty one
+  EXPECT_EQ(files.Contents(kIni), "");
+  files.FailOn(MemoryFileSystem::Op::WriteFileAtomic);
+  EXPECT_TRUE(f.WriteString("s", "k", ""));  // removing from an empty file writes nothing
+  files.ClearFailures();
+  files.Remove(kIni);
   ASSERT_TRUE(f.WriteString("s", "k", "v  "));  // the first write creates the file
   ASSERT_TRUE(f.WriteString("s", "[odd", "x"));
   ASSERT_TRUE(f.WriteString("s", "two\r\nlines", "y"));
@@ -262,6 +265,190 @@ TEST(ProfileFileStream, CopiesTheStreamIntoAnOwnedTempFile) {
   }
   EXPECT_FALSE(files.Stat(path).exists);
   EXPECT_FALSE(ProfileFile(files, kIni).OwnsTempFile());
+}
+
+}  // namespace
+}  // namespace tavlet
+
+namespace tavlet {
+namespace {
+
+std::string Utf16(const std::string& cp936) { return profile::EncodeFile(cp936, true); }
+
+// Keys of every section, as "[name]key,key" lines, to compare parses in one string.
+std::string Outline(const profile::Document& d) {
+  std::string out;
+  for (const profile::Section& s : d.sections) {
+    out += "[" + s.name + "]";
+    for (const profile::Entry& e : s.entries) out += e.name + (e.value ? "=" + *e.value : "") + ",";
+  }
+  return out;
+}
+
+// The platform reads by character and takes either CR or LF as a line end, wherever
+// it stands; a "]" that is the trail byte of a character ends no section name.
+TEST(ProfileEngine, LinesEndAtEitherBreakAndNamesAreReadByCharacter) {
+  const struct {
+    std::string file, outline;
+  } cases[] = {
+      {"[a]\r\nx=1\ry=2\r\n[b]\rz=3\n\r\nw=4", "[][a]x=1,y=2,[b]z=3,w=4,"},
+      {"[a]\n\rx=1\r\r\n\ny=2", "[][a]x=1,y=2,"},
+      {"[图\x81\x5D]\r\nk=v\r\n", "[][图\x81\x5D]k=v,"},
+      {"[\xAA\x5D] \r\n[a\xAA\x5D\xAA\x5D]\r\nk=v\r\n", "[][\xAA\x5D][a\xAA\x5D\xAA\x5D]k=v,"},
+      // No "]" of its own: the line is an entry, not a header.
+      {"[ab\x81\x5D\r\nk=v\r\n", "[][ab\x81\x5D,k=v,"},
+      // A lead byte without a trail byte after it is read as "?".
+      {"[a]\r\nk=v\x81\nx=1\r\ny=\x81 \r\n\x81", "[][a]k=v?,x=1,y=?,?,"},
+      {std::string("[a]\r\nk=v\x81\0\nx=1\r\n", 16), "[][a]k=v?,x=1,"},
+  };
+  for (const auto& c : cases) EXPECT_EQ(Outline(profile::Parse(c.file)), c.outline) << c.file;
+
+  MemoryFileSystem files;
+  files.AddFile(kIni, "[a]\r\nx=1\ry=2\r\n[图\x81\x5D]\rz=3\n");
+  ProfileFile f(files, kIni);
+  EXPECT_EQ(f.GetString("a", "y", "D"), "2");
+  EXPECT_EQ(f.GetString("图\x81\x5D", "z", "D"), "3");
+  ASSERT_TRUE(f.WriteString("a", "y", "two"));
+  EXPECT_EQ(files.Contents(kIni), "[a]\r\nx=1\r\ny=two\r\n[图\x81\x5D]\r\nz=3\r\n");
+  // What is written goes through the same reading: a lone lead byte is "?".
+  ASSERT_TRUE(f.WriteString("x\x81", "k\x81", "v\x81"));
+  EXPECT_EQ(f.GetString("x?", "k?", "D"), "v?");
+  EXPECT_EQ(f.GetString("x\x81", "k\x81", "D"), "v?");
+  EXPECT_EQ(files.Contents(kIni)->substr(files.Contents(kIni)->find("[x")), "[x?]\r\nk?=v?\r\n");
+}
+
+// A section list ends with one NUL after its last string's; a list cut at the buffer
+// has both, and so has one that fills the buffer. Past that nothing is written.
+TEST(ProfileEngine, SectionListsEndWhereThePlatformEndsThem) {
+  const profile::Document d = profile::Parse("[a]\nx=12345\ny=67\n;c=1\n[e]\n[b]\nnoeq\nx=1\n");
+  const struct {
+    const char* section;
+    std::uint32_t size;
+    const char* expected;
+    std::uint32_t ret;
+  } cases[] = {
+      {"a", 20, "x=12345|y=67||######", 13}, {"a", 16, "x=12345|y=67||##", 13},
+      {"a", 15, "x=12345|y=67||#", 13},      {"a", 14, "x=12345|y=67||", 12},
+      {"b", 7, "noeq|||", 5},                {"b", 12, "noeq|x=1||##", 9},
+      {"e", 6, "||####", 0},                 {"missing", 3, "||#", 0},
+  };
+  for (const auto& c : cases) {
+    char buffer[32];
+    std::memset(buffer, '#', sizeof buffer);
+    EXPECT_EQ(profile::GetSection(d, c.section, buffer, c.size), c.ret) << c.size;
+    EXPECT_EQ(Show(buffer, c.size), c.expected) << c.size;
+    EXPECT_EQ(buffer[c.size], '#') << c.size;
+  }
+}
+
+TEST(ProfileEngine, KeyListDefaultKeepsItsTrailingBlanks) {
+  const profile::Document d = profile::Parse("[e]\n[a]\nnoeq\n");
+  const struct {
+    const char* section;
+    const char* def;
+    const char* expected;
+    std::uint32_t ret;
+  } cases[] = {
+      {"missing", "dflt  ", "dflt  |#", 6}, {"e", " ", " |######", 1},
+      {"a", "中  ", "D6D0  |###", 4},        {"a", "\"q\"  ", "\"q\"  |##", 5},
+  };
+  for (const auto& c : cases) {
+    char buffer[8];
+    std::memset(buffer, '#', sizeof buffer);
+    EXPECT_EQ(profile::GetKeyList(d, c.section, c.def, buffer, 8), c.ret) << c.def;
+    EXPECT_EQ(Show(buffer, 8), c.expected) << c.def;
+  }
+}
+
+TEST(ProfileFileWrites, NullStructDeletesTheKey) {
+  MemoryFileSystem files;
+  files.AddFile(kIni, "[a]\nx=1\ns=01AB20CC\n");
+  ProfileFile f(files, kIni);
+  EXPECT_TRUE(f.WriteStruct("a", "s", nullptr, 3));
+  EXPECT_EQ(files.Contents(kIni), "[a]\r\nx=1\r\n");
+  EXPECT_TRUE(f.WriteStruct("new", "s", nullptr, 3));  // nothing to delete: nothing written
+  EXPECT_EQ(files.Contents(kIni), "[a]\r\nx=1\r\n");
+  // A deletion from a file that isn't there leaves an empty file, as on Windows.
+  files.Remove(kIni);
+  EXPECT_TRUE(f.WriteStruct("a", "s", nullptr, 3));
+  EXPECT_EQ(files.Contents(kIni), "");
+  files.Remove(kIni);
+  EXPECT_TRUE(f.DeleteSection("a"));
+  EXPECT_EQ(files.Contents(kIni), "");
+  EXPECT_FALSE(ProfileFile(files, "C:\\Nowhere\\x.ini").DeleteSection("a"));
+}
+
+TEST(ProfileFileUtf16, IsReadAsUtf16AndWrittenBackSo) {
+  MemoryFileSystem files;
+  files.AddFile(kIni, Utf16("[工作集]\r\n文件1=C:\\图纸\\表.dwg,0\r\n[b]\rk=v\r\n"));
+  ProfileFile f(files, kIni);
+  EXPECT_EQ(f.GetString("工作集", "文件1"), "C:\\图纸\\表.dwg,0");
+  std::vector<std::string> names;
+  f.GetSectionNames(names);
+  EXPECT_EQ(names, (std::vector<std::string>{"工作集", "b"}));
+  ASSERT_TRUE(f.WriteString("工作集", "文件2", "D:\\总图.dwg,1"));
+  EXPECT_EQ(files.Contents(kIni),
+            Utf16("[工作集]\r\n文件1=C:\\图纸\\表.dwg,0\r\n文件2=D:\\总图.dwg,1\r\n[b]\r\nk=v\r\n"));
+  EXPECT_EQ(files.Contents(kIni)->substr(0, 4), std::string("\xFF\xFE[\0", 4));
+
+  // A mark alone is an empty UTF-16 file, and stays UTF-16.
+  files.AddFile(kIni, "\xFF\xFE");
+  ASSERT_TRUE(f.WriteString("s", "k", "v"));
+  EXPECT_EQ(files.Contents(kIni), Utf16("[s]\r\nk=v\r\n"));
+}
+
+TEST(ProfileFileUtf16, CharactersOutsideTheCodePageAreNeverLost) {
+  // U+0E01 (Thai) and U+1F600 (a surrogate pair) have no code-page 936 form.
+  std::string file = "\xFF\xFE";
+  for (char16_t unit : std::u16string(u"[a]\r\nk=\u0E01\r\nx=\U0001F600\r\ny=1\r\n")) {
+    file += static_cast<char>(unit & 0xFF);
+    file += static_cast<char>(unit >> 8);
+  }
+  MemoryFileSystem files;
+  files.AddFile(kIni, file);
+  ProfileFile f(files, kIni);
+  EXPECT_EQ(f.GetString("a", "k"), "?");
+  EXPECT_EQ(f.GetInt("a", "y", 0), 1);
+  EXPECT_FALSE(f.WriteString("a", "y", "2"));
+  EXPECT_EQ(files.Contents(kIni), file);
+  // An odd last byte is not written back either.
+  files.AddFile(kIni, Utf16("[a]\r\ny=1\r\n") + "\x01");
+  EXPECT_EQ(f.GetInt("a", "y", 0), 1);
+  EXPECT_FALSE(f.WriteString("a", "y", "2"));
+}
+
+// The Windows folder is a parameter of the file system, so the rule holds natively.
+TEST(ProfileFilePaths, ABareNameIsInTheWindowsFolder) {
+  const struct {
+    const char *name, *folder, *path;
+  } cases[] = {
+      {"w.ini", "C:\\Win", "C:\\Win\\w.ini"},
+      {"w.ini", "C:\\", "C:\\w.ini"},
+      {"\x95\x5C.ini", "C:\\Win", "C:\\Win\\\x95\x5C.ini"},  // a trail byte 0x5C is no separator
+      {"w.ini", "C:\\\x95\x5C", "C:\\\x95\x5C\\w.ini"},
+      {".\\w.ini", "C:\\Win", ".\\w.ini"},
+      {"sub/w.ini", "C:\\Win", "sub/w.ini"},
+      {"C:w.ini", "C:\\Win", "C:w.ini"},
+      {"w.ini", "", "w.ini"},
+      {"", "C:\\Win", ""},
+  };
+  for (const auto& c : cases) EXPECT_EQ(profile::ProfilePath(c.name, c.folder), c.path) << c.name;
+
+  MemoryFileSystem files("C:\\Temp", "C:\\Win");
+  files.AddFolder("C:\\Win");
+  ProfileFile f(files, "w.ini");
+  EXPECT_EQ(f.Path(), "C:\\Win\\w.ini");
+  ASSERT_TRUE(f.WriteString("s", "k", "v"));
+  EXPECT_EQ(files.Contents("C:\\Win\\w.ini"), "[s]\r\nk=v\r\n");
+
+  const std::string folder = ::testing::TempDir() + "tavlet_windows_folder";
+  std::unique_ptr<FileSystem> native = MakeNativeFileSystem(folder);
+  ASSERT_EQ(native->CreateFolders(folder), FileError::None);
+  ASSERT_TRUE(ProfileFile(*native, "bare.ini").WriteString("s", "k", "v"));
+  std::string bytes;
+  EXPECT_EQ(native->ReadFile(folder + "/bare.ini", bytes), FileError::None);
+  EXPECT_EQ(bytes, "[s]\r\nk=v\r\n");
+  native->Remove(folder + "/bare.ini");
 }
 
 }  // namespace

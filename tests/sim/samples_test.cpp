@@ -1,35 +1,38 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
 #include "sim/drawing_description.h"
+#include "support/test_paths.h"
 
 namespace tavlet::sim {
 namespace {
 
-// The samples sit two folders above this file, in the checkout.
-std::string ReadSample(const std::string& name) {
-  std::string root = __FILE__;
-  root.erase(root.size() - std::string("tests/sim/samples_test.cpp").size());
-  std::ifstream in(root + "samples/" + name, std::ios::binary);
+std::string ReadSample(const std::filesystem::path& path) {
+  std::ifstream in(path, std::ios::binary);
   std::ostringstream bytes;
   bytes << in.rdbuf();
   return bytes.str();
 }
 
 TEST(Samples, EverySampleOfTheProjectParses) {
-  for (const char* name : {"plan.tdd", "section.tdd"}) {
+  const std::filesystem::path folder = testing::SamplesDir();
+  int drawings = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    if (entry.path().extension() != ".tdd") continue;
+    const std::string name = entry.path().filename().string();
     SCOPED_TRACE(name);
-    std::string text = ReadSample(name);
-    if (text.empty()) GTEST_SKIP() << "samples folder not found";
     DrawingDescription d;
-    ParseResult r = ParseDrawingDescription(text, name, d);
+    ParseResult r = ParseDrawingDescription(ReadSample(entry.path()), name, d);
     EXPECT_TRUE(r.ok) << r.message;
     EXPECT_TRUE(d.hasPicture);
+    ++drawings;
   }
+  EXPECT_GE(drawings, 2);
   SheetSetDescription s;
-  ParseResult r = ParseSheetSetDescription(ReadSample("project.dst"), "project.dst", s);
+  ParseResult r = ParseSheetSetDescription(ReadSample(folder / "project.dst"), "project.dst", s);
   EXPECT_TRUE(r.ok) << r.message;
   EXPECT_EQ(s.subsets.size(), 1u);
 }

@@ -6,6 +6,13 @@
 #include <system_error>
 #include <vector>
 
+#ifdef _WIN32
+#include <process.h>
+#define getpid _getpid
+#else
+#include <unistd.h>
+#endif
+
 namespace tavlet::testing {
 
 std::string SharedDir() {
@@ -20,6 +27,8 @@ std::string SharedDrawing(const std::string& fileName) {
   if (dir.empty()) return {};
   return (std::filesystem::path(dir) / "testdata" / "dwg" / fileName).string();
 }
+
+std::string SamplesDir() { return (std::filesystem::path(TAVLET_SOURCE_DIR) / "samples").string(); }
 
 namespace {
 
@@ -39,7 +48,8 @@ std::string MakeTempFolder(const std::string& tag) {
   static TempFolders folders;
   std::error_code error;
   auto base = std::filesystem::temp_directory_path(error);
-  auto dir = base / ("tavlet-test-" + tag + "-" + std::to_string(counter++));
+  // CTest runs test programs side by side: the process id keeps their folders apart.
+  auto dir = base / ("tavlet-test-" + tag + "-" + std::to_string(getpid()) + "-" + std::to_string(counter++));
   std::filesystem::remove_all(dir, error);
   std::filesystem::create_directories(dir, error);
   folders.made.push_back(dir);

@@ -11,6 +11,9 @@ namespace tavlet::testing {
 std::string SharedDir();
 std::string SharedDrawing(const std::string& fileName);
 
+// The checkout's samples folder (sample drawings and sheet sets).
+std::string SamplesDir();
+
 // A fresh, empty folder for one test, removed at exit.
 std::string MakeTempFolder(const std::string& tag);
 

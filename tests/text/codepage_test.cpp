@@ -167,6 +167,25 @@ TEST(CodePageTest, ConversionsReplaceWhatTheOtherSideLacks) {
   for (const auto& c : fromUtf8) EXPECT_EQ(FromUtf8(c.utf8), c.cp936) << c.utf8;
 }
 
+TEST(CodePageTest, Utf16LeConversionsAgreeWithUtf8) {
+  const std::string samples[] = {"没有找到", "\x80", "\xA2\xE3", "a\x81", "\x81\x30", std::string("a\0b", 3)};
+  for (const std::string& cp936 : samples) {
+    const std::string utf16 = ToUtf16Le(cp936);
+    ASSERT_EQ(utf16.size() % 2, 0u);
+    EXPECT_EQ(FromUtf16Le(utf16), FromUtf8(ToUtf8(cp936))) << ToUtf8(cp936);
+  }
+  EXPECT_EQ(ToUtf16Le("中a"), std::string("\x2D\x4E" "a\0", 4));
+  const struct {
+    std::string utf16, cp936;
+  } fromUtf16[] = {
+      {std::string("\x3D\xD8\x00\xDE", 4), "?"},  // a pair above the BMP
+      {std::string("\x3D\xD8" "a\0", 4), "?a"},   // a lone high surrogate
+      {std::string("\x00\xDE", 2), "?"},           // a lone low one
+      {std::string("a\0b", 3), "a"},                // an odd last byte
+  };
+  for (const auto& c : fromUtf16) EXPECT_EQ(FromUtf16Le(c.utf16), c.cp936) << c.cp936;
+}
+
 // A round trip of every code also proves no two codes share a character, none
 // decodes to ASCII and none to the replacement character (which has no code).
 TEST(CodePageTest, EveryCodeRoundTripsThroughUtf8) {

@@ -1,6 +1,32 @@
 // The private-profile engine against the platform's own functions: the same reads on
 // the same files must leave the same bytes in the same buffers, and the same writes
 // must leave the same files.
+//
+// Where Windows itself differs from Wine (the Wine conformance tests mark these cases
+// "todo"), the engine follows Windows, and so do the expectations here:
+//  - A cut list of section names (GetPrivateProfileSectionNamesA) or of keys
+//    (GetPrivateProfileStringA with a null key) has a NUL in the buffer's last byte
+//    too, since Windows Server 2003; Wine leaves that byte alone. WindowsListEnd puts
+//    it into the platform's buffer before the comparison.
+//  - Deleting a key (a null string, a null struct) or a section from a file that
+//    doesn't exist leaves the file there, empty; Wine writes nothing
+//    (DeletionFromAMissingFileLeavesItEmpty).
+// Where the engine knowingly differs from Wine alone:
+//  - GetPrivateProfileSectionA with a buffer of one byte: Wine writes a second NUL
+//    past the buffer's end; the engine never writes past the size it is given
+//    (WineWritesPastOneByte takes that byte back out of the platform's buffer).
+// Where the engine knowingly differs from Windows, and why:
+//  - Windows keeps the NULs of a line that a write doesn't touch (the conformance
+//    case "NULLs in file before first section"); the engine, like Wine, writes every
+//    line anew from what it read, which ends such a line at its first NUL, and so do
+//    the expectations here (the "nul bytes" shape of WritesLeaveTheSameFiles).
+//  - The last-error codes that Windows sets and Wine doesn't (ERROR_BAD_LENGTH and
+//    ERROR_INVALID_DATA of a struct read, ERROR_FILE_NOT_FOUND of a read) have no
+//    counterpart: the engine's calls answer with their results alone.
+//  - A UTF-16 file holding characters that code page 936 lacks reads as the A calls
+//    read it ("?" for each), but the engine refuses to rewrite it, where the
+//    platform, which works in UTF-16 inside, keeps them: a rewrite through code page
+//    936 would lose them (Utf16FileWithCharactersOutsideTheCodePage).
 #include <windows.h>
 
 #include <gtest/gtest.h>
@@ -8,9 +34,11 @@
 #include <cstring>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/file_system.h"
+#include "platform/win32/handles.h"
 #include "settings/profile_engine.h"
 #include "settings/profile_file.h"
 
@@ -53,6 +81,16 @@ std::string Show(const std::vector<char>& buffer) {
   return out.size() > 300 ? out.substr(0, 300) + "..." : out;
 }
 
+// A file in UTF-16LE with its byte-order mark.
+std::string Utf16File(std::u16string_view text) {
+  std::string bytes = "\xFF\xFE";
+  for (char16_t unit : text) {
+    bytes += static_cast<char>(unit & 0xFF);
+    bytes += static_cast<char>(unit >> 8);
+  }
+  return bytes;
+}
+
 struct Shape {
   const char* what;
   std::string bytes;
@@ -93,6 +131,12 @@ std::vector<Shape> Shapes() {
       {"empty", ""},
       {"equals everywhere", "[a]\n=e\nk==v\nk2=a=b\n"},
       {"nul bytes", std::string("[a]\nk=v\0w=1\n\0\0[b]\nz=2\n", 23)},
+      {"mixed line ends", "[a]\r\nx=1\ry=2\r\n[b]\rz=3\n\r\nw=4\r\n[c]\n\rk=v\r\r\n\nq=1"},
+      // Sections whose names end in a character with the trail byte 0x5D, "]".
+      {"trail byte ]", "[图\x81\x5D]\r\n文件1=C:\\a.dwg,0\r\n[\xAA\x5D x\xAA\x5D]\r\nk=v\r\n"
+                       "[ab\x81\x5D\r\nq=1\r\n[t]\r\nk=v\x81\r\nx=1\r\n"},
+      {"utf-16", Utf16File(u"[工作集]\r\n文件1=C:\\图纸\\表.dwg,0\r\n文件2=D:\\总图.dwg,1\r\n[b]\rk=v\r\n")},
+      {"utf-16, mark only", Utf16File(u"")},
   };
 }
 
@@ -116,16 +160,59 @@ std::vector<std::string> KeysToAsk(const profile::Document& document, const std:
   return keys;
 }
 
-// Both buffers start zeroed: bytes one side leaves untouched and the other zeroes are
-// told apart by the engine's own tests, which fill the buffer first.
+// Bytes past the size a call is given; any write there is a fault of its own.
+constexpr std::uint32_t kGuard = 16;
+
+// Both buffers start as the same junk, high bytes and lead bytes among it, with guard
+// bytes past the end: a byte one side writes and the other leaves alone shows, and so
+// does a write past the end.
+std::vector<char> Junk(std::uint32_t size) {
+  std::vector<char> buffer(std::size_t{size} + kGuard);
+  for (std::size_t i = 0; i < buffer.size(); ++i) buffer[i] = static_cast<char>(0xA7 + i * 0x3B);
+  return buffer;
+}
+
+using Adjust = std::function<void(std::vector<char>&, std::uint32_t)>;
+
+// What Windows has where Wine differs: a cut list of names or keys ends with a NUL in
+// the last byte. `full` is the list's length in a buffer large enough; a list is cut
+// when it and its final NUL don't fit below the last byte.
+Adjust WindowsListEnd(DWORD full) {
+  return [full](std::vector<char>& buffer, std::uint32_t size) {
+    if (full > 0 && size > 0 && full + 1 >= size) buffer[size - 1] = 0;
+  };
+}
+
+Adjust WineWritesPastOneByte() {
+  return [](std::vector<char>& buffer, std::uint32_t size) {
+    if (size == 1) buffer[1] = Junk(1)[1];
+  };
+}
+
+// `adjust` turns what the platform (Wine) left into what Windows leaves.
 void CompareBuffers(const std::string& what, std::uint32_t size, const std::function<DWORD(char*, DWORD)>& platform,
-                    const std::function<std::uint32_t(char*, std::uint32_t)>& ours, int& compared) {
-  std::vector<char> theirs(size, 0), mine(size, 0);
+                    const std::function<std::uint32_t(char*, std::uint32_t)>& ours, int& compared,
+                    const Adjust& adjust = nullptr) {
+  std::vector<char> theirs = Junk(size), mine = Junk(size);
   const DWORD theirReturn = platform(theirs.data(), size);
+  if (adjust) adjust(theirs, size);
   EXPECT_EQ(ours(mine.data(), size), theirReturn) << what << " size " << size;
   EXPECT_TRUE(mine == theirs) << what << " size " << size << "\n ours:     " << Show(mine)
                               << "\n platform: " << Show(theirs);
   ++compared;
+}
+
+DWORD FullNames(const char* file) {
+  std::vector<char> buffer(32000);
+  return GetPrivateProfileSectionNamesA(buffer.data(), 32000, file);
+}
+
+// The length of the key list, or 0 when the call gives its default (no listed key).
+DWORD FullKeys(const char* section, const char* file) {
+  std::vector<char> a(32000), b(32000);
+  const DWORD length = GetPrivateProfileStringA(section, nullptr, "1", a.data(), 32000, file);
+  GetPrivateProfileStringA(section, nullptr, "2", b.data(), 32000, file);
+  return a == b ? length : 0;
 }
 
 TEST(ProfileDifferential, ReadsMatchThePlatformOnEveryShape) {
@@ -134,11 +221,12 @@ TEST(ProfileDifferential, ReadsMatchThePlatformOnEveryShape) {
     SCOPED_TRACE(shape.what);
     const std::string path = Put(shape.bytes);
     const char* file = path.c_str();
-    const profile::Document document = profile::Parse(shape.bytes);
+    const profile::Document document = profile::Parse(profile::DecodeFile(shape.bytes).text);
     for (std::uint32_t size : {2000u, 4u, 1u})
       CompareBuffers(
           "names", size, [&](char* b, DWORD n) { return GetPrivateProfileSectionNamesA(b, n, file); },
-          [&](char* b, std::uint32_t n) { return profile::GetSectionNames(document, b, n); }, compared);
+          [&](char* b, std::uint32_t n) { return profile::GetSectionNames(document, b, n); }, compared,
+          WindowsListEnd(FullNames(file)));
     for (const std::string& section : SectionsToAsk(document)) {
       const char* s = section.c_str();
       for (std::uint32_t size : {32000u, 7u, 3u}) {
@@ -148,7 +236,8 @@ TEST(ProfileDifferential, ReadsMatchThePlatformOnEveryShape) {
         CompareBuffers(
             "keys [" + section + "]", size,
             [&](char* b, DWORD n) { return GetPrivateProfileStringA(s, nullptr, "D", b, n, file); },
-            [&](char* b, std::uint32_t n) { return profile::GetKeyList(document, section, "D", b, n); }, compared);
+            [&](char* b, std::uint32_t n) { return profile::GetKeyList(document, section, "D", b, n); }, compared,
+            WindowsListEnd(FullKeys(s, file)));
       }
       for (const std::string& key : KeysToAsk(document, section)) {
         const std::string what = "[" + section + "] " + key;
@@ -207,6 +296,10 @@ std::vector<Script> Scripts() {
        [](const char* p) { WritePrivateProfileSectionA("a", "", p); }},
       {"struct", [data](ProfileFile& f) { f.WriteStruct("a", "s", data, 4); },
        [data](const char* p) { WritePrivateProfileStructA("a", "s", const_cast<unsigned char*>(data), 4, p); }},
+      {"null struct", [](ProfileFile& f) { f.WriteStruct("a", "x", nullptr, 4); },
+       [](const char* p) { WritePrivateProfileStructA("a", "x", nullptr, 4, p); }},
+      {"null struct, missing key", [](ProfileFile& f) { f.WriteStruct("新节", "x", nullptr, 4); },
+       [](const char* p) { WritePrivateProfileStructA("新节", "x", nullptr, 4, p); }},
       {"copy section", [](ProfileFile& f) { f.CopySection("a", "copy"); },
        [](const char* p) { PlatformCopy(p, "a", "copy"); }},
       {"rename section", [](ProfileFile& f) { f.RenameSection("a", "renamed"); },
@@ -238,7 +331,7 @@ TEST(ProfileDifferential, WritesLeaveTheSameFiles) {
       ++compared;
 
       // Each side reads the other's file the same way it reads its own.
-      const profile::Document platformWritten = profile::Parse(theirBytes);
+      const profile::Document platformWritten = profile::Parse(profile::DecodeFile(theirBytes).text);
       std::vector<char> a(32000, 0), b(32000, 0);
       profile::GetSectionNames(platformWritten, a.data(), 2000);
       GetPrivateProfileSectionNamesA(b.data(), 2000, mine.c_str());
@@ -270,6 +363,196 @@ TEST(ProfileDifferential, BigWorksetRoundTrips) {
   ProfileFile(NativeFileSystem(), theirs).GetSectionLines("工作集 a", lines);
   ASSERT_EQ(lines.size(), 300u);
   EXPECT_EQ(lines[299], "文件300=C:\\图纸\\第300号.dwg,0");
+}
+
+// Every buffer size from 1 to past the whole list, so that each way a list can end
+// (whole, two short, cut in a name, in a value, in a double-byte character) is met.
+TEST(ProfileDifferential, ListsMatchAtEveryBufferSize) {
+  const std::string files[] = {
+      "[a]\r\nx=12345\r\ny=67\r\nnoeq\r\nz=\r\n[bb]\r\n[ccc]\r\nk=v\r\n;c=1\r\n",
+      "[中]\r\n文=中文\r\nk=v\r\n键=值值\r\n[文文]\r\n[x]\r\n",
+      "[图\x81\x5D]\r\n\xAA\x5D=\x81\x5D\r\nk=\"中\"\r\n",
+  };
+  int compared = 0;
+  for (const std::string& bytes : files) {
+    const std::string path = Put(bytes);
+    const char* file = path.c_str();
+    const profile::Document document = profile::Parse(bytes);
+    const auto last = static_cast<std::uint32_t>(bytes.size() + 4);
+    for (std::uint32_t size = 1; size <= last; ++size) {
+      CompareBuffers(
+          "names", size, [&](char* b, DWORD n) { return GetPrivateProfileSectionNamesA(b, n, file); },
+          [&](char* b, std::uint32_t n) { return profile::GetSectionNames(document, b, n); }, compared,
+          WindowsListEnd(FullNames(file)));
+      for (const profile::Section& section : document.sections) {
+        if (section.name.empty()) continue;
+        const char* s = section.name.c_str();
+        CompareBuffers(
+            "section [" + section.name + "]", size,
+            [&](char* b, DWORD n) { return GetPrivateProfileSectionA(s, b, n, file); },
+            [&](char* b, std::uint32_t n) { return profile::GetSection(document, section.name, b, n); }, compared,
+            WineWritesPastOneByte());
+        CompareBuffers(
+            "keys [" + section.name + "]", size,
+            [&](char* b, DWORD n) { return GetPrivateProfileStringA(s, nullptr, "D  ", b, n, file); },
+            [&](char* b, std::uint32_t n) { return profile::GetKeyList(document, section.name, "D  ", b, n); },
+            compared, WindowsListEnd(FullKeys(s, file)));
+        for (const profile::Entry& entry : section.entries) {
+          const char* k = entry.name.c_str();
+          CompareBuffers(
+              "string [" + section.name + "] " + entry.name, size,
+              [&](char* b, DWORD n) { return GetPrivateProfileStringA(s, k, "dflt", b, n, file); },
+              [&](char* b, std::uint32_t n) { return profile::GetString(document, section.name, entry.name, "dflt", b, n); },
+              compared);
+        }
+      }
+    }
+  }
+  EXPECT_GT(compared, 500);
+}
+
+// A null key lists the keys; with none to list, the default comes back whole, trailing
+// blanks and all, unlike the default of a single key.
+TEST(ProfileDifferential, KeyListDefaultKeepsItsBlanks) {
+  const std::string path = Put("[empty]\r\n[a]\r\nnoeq\r\n;c=1\r\n");
+  const char* file = path.c_str();
+  const profile::Document document = profile::Parse(Contents(path));
+  int compared = 0;
+  for (const char* section : {"missing", "empty", "a"}) {
+    for (const char* def : {"dflt  ", " ", "  ", "中文  ", " x ", "'q'  ", "\"q\"", ""}) {
+      for (std::uint32_t size : {2000u, 1u, 2u, 3u, 4u, 7u}) {
+        CompareBuffers(
+            std::string("keys [") + section + "] default '" + def + "'", size,
+            [&](char* b, DWORD n) { return GetPrivateProfileStringA(section, nullptr, def, b, n, file); },
+            [&](char* b, std::uint32_t n) { return profile::GetKeyList(document, section, def, b, n); }, compared);
+      }
+    }
+  }
+  EXPECT_EQ(compared, 3 * 8 * 6);
+}
+
+// Reads and writes through ProfileFile against the platform's calls, on a file that
+// another handle holds open as each case says.
+struct Holder {
+  const char* what;
+  DWORD access, share, flags;
+  bool readable, writable;  // what Windows does (Wine's conformance tests agree)
+};
+
+win32::KernelHandle Hold(const std::string& path, const Holder& holder) {
+  return win32::KernelHandle(CreateFileA(path.c_str(), holder.access, holder.share, nullptr, OPEN_EXISTING,
+                                         FILE_ATTRIBUTE_NORMAL | holder.flags, nullptr));
+}
+
+// The temporary files a write leaves beside its file (none, once it is done).
+std::vector<std::string> Leftovers(const std::string& path) {
+  std::vector<std::string> names, left;
+  NativeFileSystem().ListFolder(path.substr(0, path.rfind('\\')), names);
+  for (const std::string& name : names)
+    if (name.rfind("MV_", 0) == 0) left.push_back(name);
+  return left;
+}
+
+TEST(ProfileDifferential, HeldFilesAreReadAndWrittenAsThePlatformDoes) {
+  const std::string content = "[工作集]\r\n文件1=C:\\a.dwg,0\r\n";
+  const Holder holders[] = {
+      {"delete on close, sharing reading", GENERIC_WRITE, FILE_SHARE_READ, FILE_FLAG_DELETE_ON_CLOSE, true, false},
+      {"delete on close, sharing all", GENERIC_READ | GENERIC_WRITE,
+       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, FILE_FLAG_DELETE_ON_CLOSE, true, true},
+      {"reading and writing, sharing both", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, 0,
+       true, true},
+      {"writing, sharing both", GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, 0, true, true},
+      {"reading, sharing both", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, 0, true, true},
+      {"reading and writing, sharing reading", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ, 0, true, false},
+      {"reading, sharing writing", GENERIC_READ, FILE_SHARE_WRITE, 0, false, false},
+      {"reading and writing, sharing all", GENERIC_READ | GENERIC_WRITE,
+       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, 0, true, true},
+  };
+  for (const Holder& holder : holders) {
+    SCOPED_TRACE(holder.what);
+    const std::string mine = Put(content), theirs = Put(content);
+    {
+      win32::KernelHandle heldMine = Hold(mine, holder), heldTheirs = Hold(theirs, holder);
+      ASSERT_TRUE(heldMine.valid() && heldTheirs.valid());
+      ProfileFile file(NativeFileSystem(), mine);
+      char buffer[64] = {};
+      GetPrivateProfileStringA("工作集", "文件1", "D", buffer, sizeof buffer, theirs.c_str());
+      EXPECT_EQ(file.GetString("工作集", "文件1", "D"), buffer);
+      EXPECT_EQ(std::string(buffer) != "D", holder.readable);
+      std::vector<std::string> lines;
+      file.GetSectionLines("工作集", lines);
+      EXPECT_EQ(lines.size(), holder.readable ? 1u : 0u);
+      if (holder.flags & FILE_FLAG_DELETE_ON_CLOSE) continue;  // the files go with their holders
+
+      // Without delete sharing the file can't be replaced, so a write that succeeds
+      // here has rewritten it in place. (With it, whether a rename may replace the file
+      // depends on the file system; both ways must work.)
+      if ((holder.share & FILE_SHARE_DELETE) == 0) {
+        const std::string scratch = Put("scratch");
+        EXPECT_FALSE(MoveFileExA(scratch.c_str(), mine.c_str(), MOVEFILE_REPLACE_EXISTING));
+        DeleteFileA(scratch.c_str());
+      }
+
+      const bool ours = file.WriteString("工作集", "文件2", "D:\\b.dwg,1");
+      const bool platform = WritePrivateProfileStringA("工作集", "文件2", "D:\\b.dwg,1", theirs.c_str()) != FALSE;
+      WritePrivateProfileStringA(nullptr, nullptr, nullptr, theirs.c_str());
+      EXPECT_EQ(ours, platform);
+      EXPECT_EQ(ours, holder.writable);
+    }
+    EXPECT_TRUE(Contents(mine) == Contents(theirs)) << "ours:\n" << Contents(mine) << "\nplatform:\n" << Contents(theirs);
+    EXPECT_EQ(Leftovers(mine), std::vector<std::string>{});
+  }
+}
+
+// The platform takes a name without a folder to be in the Windows folder.
+TEST(ProfileDifferential, ABareNameIsInTheWindowsFolder) {
+  char windows[MAX_PATH] = {};
+  ASSERT_GT(GetWindowsDirectoryA(windows, MAX_PATH), 0u);
+  EXPECT_EQ(NativeFileSystem().WindowsFolder(), windows);
+  const std::string mine = "tavlet_bare_ours.ini", theirs = "tavlet_bare_platform.ini";
+  const std::string folder = std::string(windows) + "\\";
+  DeleteFileA((folder + mine).c_str());
+  DeleteFileA((folder + theirs).c_str());
+  ProfileFile file(NativeFileSystem(), mine);
+  EXPECT_EQ(file.Path(), folder + mine);
+  ASSERT_TRUE(file.WriteString("工作集", "文件1", "C:\\a.dwg,0"));
+  ASSERT_TRUE(WritePrivateProfileStringA("工作集", "文件1", "C:\\a.dwg,0", theirs.c_str()));
+  WritePrivateProfileStringA(nullptr, nullptr, nullptr, theirs.c_str());
+  EXPECT_EQ(Contents(folder + mine), Contents(folder + theirs));
+  char buffer[64] = {};
+  GetPrivateProfileStringA("工作集", "文件1", "D", buffer, sizeof buffer, mine.c_str());
+  EXPECT_STREQ(buffer, "C:\\a.dwg,0");
+  EXPECT_EQ(ProfileFile(NativeFileSystem(), theirs).GetString("工作集", "文件1"), "C:\\a.dwg,0");
+  DeleteFileA((folder + mine).c_str());
+  DeleteFileA((folder + theirs).c_str());
+}
+
+// Windows leaves an empty file where Wine writes nothing; see the top of this file.
+TEST(ProfileDifferential, DeletionFromAMissingFileLeavesItEmpty) {
+  const std::function<void(ProfileFile&)> deletions[] = {
+      [](ProfileFile& f) { f.WriteStruct("a", "k", nullptr, 4); },
+      [](ProfileFile& f) { ProfileFile(NativeFileSystem(), f.Path(), true).WriteString("a", "k", ""); },
+      [](ProfileFile& f) { f.DeleteSection("a"); },
+  };
+  for (const auto& deletion : deletions) {
+    const std::string path = NewPath();
+    ProfileFile file(NativeFileSystem(), path);
+    deletion(file);
+    EXPECT_TRUE(NativeFileSystem().Stat(path).exists);
+    EXPECT_EQ(Contents(path), "");
+  }
+}
+
+TEST(ProfileDifferential, Utf16FileWithCharactersOutsideTheCodePage) {
+  const std::string bytes = Utf16File(u"[a]\r\nk=\u0E01x\r\ny=1\r\n");
+  const std::string mine = Put(bytes), theirs = Put(bytes);
+  ProfileFile file(NativeFileSystem(), mine);
+  char buffer[16] = {};
+  GetPrivateProfileStringA("a", "k", "D", buffer, sizeof buffer, theirs.c_str());
+  EXPECT_EQ(file.GetString("a", "k", "D"), buffer);
+  EXPECT_EQ(file.GetInt("a", "y", 0), 1);
+  EXPECT_FALSE(file.WriteString("a", "y", "2"));
+  EXPECT_TRUE(Contents(mine) == bytes);
 }
 
 }  // namespace

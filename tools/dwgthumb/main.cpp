@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/file_system.h"
+#include "previews/dwg_report.h"
 #include "previews/dwg_thumbnail.h"
 #include "previews/dwg_version.h"
 #include "text/codepage.h"
@@ -24,7 +25,8 @@ const char kUsage[] =
     "\n"
     "info     prints per drawing its version string and release name, the version\n"
     "         code, the release code, the format byte, the image block's offset and\n"
-    "         its entries (code, offset, size), or why the file can't be read.\n"
+    "         its entries (code, offset, size). Of a damaged drawing it prints what\n"
+    "         it could read, flags the damaged entry and says why on stderr.\n"
     "extract  writes the thumbnail: a bitmap (entry code 2) as FILE.bmp, or, for\n"
     "         newer drawings that only hold a PNG (entry code 6), FILE.png.\n"
     "         -o OUT              write to OUT instead\n"
@@ -37,68 +39,13 @@ const char kUsage[] =
     "exit status: 0 success, 1 a file could not be read or has no thumbnail,\n"
     "             2 wrong arguments.\n";
 
-// Why a load failed, in words for the console.
-std::string Reason(const DwgThumbnail& thumbnail) {
-  std::string text = text::ToUtf8(thumbnail.errorText());
-  for (char& c : text) {
-    if (c == '\n') c = ' ';
-  }
-  struct Known {
-    const char* text;
-    const char* reason;
-  };
-  static const Known kKnown[] = {
-      {"文件错误\n 文件没有找到", "file not found"},
-      {"文件错误\n 拒绝访问", "access denied"},
-      {"文件错误 \n共享违规", "sharing violation"},
-      {"文件错误\n 文件的末端", "unexpected end of file (the file is cut short)"},
-      {"文件错误\n 错误查找", "bad seek (an offset in the file is out of range)"},
-  };
-  for (const Known& k : kKnown) {
-    if (thumbnail.errorText() == k.text) return std::string(k.reason) + " [" + text + "]";
-  }
-  return text;
-}
-
-std::string Hex(std::uint32_t value) {
-  char buffer[16];
-  std::snprintf(buffer, sizeof buffer, "0x%X", value);
-  return buffer;
-}
-
+// Prints what could be read even of a damaged file, then why it is damaged.
 bool Info(FileSystem& fs, const std::string& path) {
-  DwgThumbnail thumbnail(fs);
-  bool ok = thumbnail.Load(path, true);
-  if (!ok && !thumbnail.errorText().empty()) {
-    std::fprintf(stderr, "%s: cannot read: %s\n", path.c_str(), Reason(thumbnail).c_str());
-    return false;
-  }
-  std::string version;
-  ReadDrawingVersionString(fs, path, version);
-  std::printf("%s\n", path.c_str());
-  std::printf("  version      %s (%s)\n", version.c_str(), std::string(DrawingReleaseName(version)).c_str());
-  std::printf("  code         %d\n", thumbnail.fileCode());
-  if (thumbnail.HasDib()) {
-    std::printf("  releaseCode  %d\n", thumbnail.releaseCode());
-  } else {
-    std::printf("  releaseCode  - (set only with a picture)\n");
-  }
-  std::printf("  formatByte   0x%02X\n", thumbnail.formatByte());
-  std::printf("  imageOffset  %s\n", Hex(thumbnail.imageOffset()).c_str());
-  if (!ok) {
-    std::printf("  image block  none (no sentinel at the image offset)\n");
-    return true;
-  }
-  std::printf("  entries      %zu\n", thumbnail.entries().size());
-  for (const ThumbnailEntry& entry : thumbnail.entries()) {
-    std::printf("    code %d  offset %s  size %u\n", entry.code, Hex(entry.start).c_str(), entry.size);
-  }
-  if (thumbnail.HasDib()) {
-    std::printf("  picture      %dx%d bitmap\n", thumbnail.imageWidth(), thumbnail.imageHeight());
-  } else {
-    std::printf("  picture      none the bar can show\n");
-  }
-  return true;
+  const DrawingReport report = ReportDrawing(fs, path);
+  std::fwrite(report.text.data(), 1, report.text.size(), stdout);
+  std::fflush(stdout);
+  if (!report.error.empty()) std::fprintf(stderr, "%s\n", report.error.c_str());
+  return report.ok;
 }
 
 std::string WithExtension(const std::string& path, const char* extension) {
@@ -202,7 +149,8 @@ int Extract(FileSystem& fs, const std::vector<std::string>& args) {
   thumbnail.SetRecolor(recolor || haveBackground);
   thumbnail.SetInitialBackground(background);
   if (!thumbnail.Load(input, true) && !thumbnail.errorText().empty()) {
-    std::fprintf(stderr, "%s: cannot read: %s\n", input.c_str(), Reason(thumbnail).c_str());
+    std::fprintf(stderr, "%s: cannot read: %s\n", input.c_str(),
+                 ThumbnailFailure(thumbnail).c_str());
     return kExitFileProblem;
   }
   std::string bytes;

@@ -1,20 +1,54 @@
 // Read and write access to a drawing database, cut down to the walks the bar
-// makes. Every operation names the database; block records, entities and views
-// are addressed by their position in the table walk, so nothing is opened or
-// closed across the port.
+// makes. A table, record, entity, dictionary or hyperlink collection crosses
+// the port as a counted object: handing it out is the open (always for read,
+// unless a call says otherwise) and its last Release is the close, so an owner
+// that releases at once keeps every object open only as long as it is read.
+// Each walk is an iterator whose Next gives kFalse at the end.
 #pragma once
 
 #include "host/port/port_types.h"
 
 namespace tavlet::port {
 
-struct BlockRecordInfo {
-  bool fromExternalReference = false;
-  bool hasXrefDatabase = false;  // false for an unresolved external reference
-  bool isLayout = false;         // model space included
-  bool isModelSpace = false;
-  bool isAnonymous = false;
-  bool isDependent = false;
+// AcDbObjectId: the identity of a database object, valid while its drawing is
+// open. 0 is the null id.
+using ObjectId = unsigned long long;
+inline constexpr ObjectId kNullObjectId = 0;
+
+// Acad::ErrorStatus values the bar looks at.
+inline constexpr long kAcadOk = 0;
+inline constexpr long kAcadDuplicateRecordName = 95;
+
+// Receives extended data, item by item, in the order of the resbuf list.
+class XDataSink {
+ public:
+  virtual void TAVLET_PORT_CALL Item(long groupCode, const char* text, long length) = 0;
+
+ protected:
+  ~XDataSink() = default;
+};
+
+struct XDataItem {
+  long groupCode = 0;  // 1001 application, 1000 string
+  const char* text = nullptr;
+};
+
+// AcDbHyperlinkCollection, from AcDbEntityHyperlinkPE::getHyperlinkCollection
+// with oneOnly off and block definitions ignored. Release deletes it.
+class HyperlinkCollection : public Counted {
+ public:
+  virtual Result TAVLET_PORT_CALL Count(long* count) = 0;
+  // AcDbHyperlinkCollection::item(index)->name().
+  virtual Result TAVLET_PORT_CALL Name(long index, TextSink* name) = 0;
+};
+
+// An open object that may carry hyperlinks: an entity or a block table record,
+// through its AcDbEntityHyperlinkPE (AcRxObject::x).
+class HyperlinkHolder : public Counted {
+ public:
+  // hasHyperlink with block definitions not ignored.
+  virtual Result TAVLET_PORT_CALL HasHyperlink(bool* has) = 0;
+  virtual Result TAVLET_PORT_CALL Hyperlinks(HyperlinkCollection** links) = 0;
 };
 
 enum EntityKind : long {
@@ -26,23 +60,103 @@ enum EntityKind : long {
 
 inline constexpr long kOleLinked = 1;  // AcDbOle2Frame::getType of a link
 
+// What an entity is, as the cast to its class tells.
 struct EntityInfo {
   long kind = kEntityOther;
-  bool erased = false;
-  long oleType = 0;      // kEntityOle2Frame
-  long renderMode = 0;   // kEntityViewport: 0 is plain 2D wireframe
+  long oleType = 0;         // kEntityOle2Frame: getType
+  long renderMode = 0;      // kEntityViewport: 0 is plain 2D wireframe
   long viewportNumber = 0;  // kEntityViewport: its CVPORT number, 1 for the paper-space one
 };
 
-struct ViewRecordInfo {
-  bool paperSpace = false;
-  bool dependent = false;
-  double centerX = 0, centerY = 0;
+// An AcDbEntity open for read.
+class Entity : public HyperlinkHolder {
+ public:
+  // AcDbRasterImage: opens imageDefId as AcDbRasterImageDef, takes its file
+  // name and closes it. `present` false when the definition has no file.
+  virtual Result TAVLET_PORT_CALL ImageFileName(TextSink* path, bool* present) = 0;
+  // AcDbOle2Frame::getLinkPath(buffer, size): at most size - 1 bytes and a
+  // terminating zero. `present` false when the frame has no link path.
+  virtual Result TAVLET_PORT_CALL OleLinkPath(char* buffer, long size, bool* present) = 0;
 };
 
-struct XDataItem {
-  long groupCode = 0;  // 1001 application, 1000 string
-  const char* text = nullptr;
+// AcDbBlockTableRecordIterator from newIterator(atBeginning, skipDeleted): the
+// entities of one block, deleted ones skipped.
+class EntityIterator : public Counted {
+ public:
+  // done, getEntity for read, step; the entity's class with it. Null with kFalse
+  // at the end.
+  virtual Result TAVLET_PORT_CALL Next(Entity** entity, EntityInfo* info) = 0;
+};
+
+struct BlockRecordInfo {
+  bool fromExternalReference = false;  // isFromExternalReference
+  bool isLayout = false;               // model space included
+  bool isModelSpace = false;           // the record named *Model_Space
+  bool isAnonymous = false;
+  bool isDependent = false;
+};
+
+// An AcDbBlockTableRecord open for read.
+class BlockRecord : public HyperlinkHolder {
+ public:
+  virtual Result TAVLET_PORT_CALL Info(BlockRecordInfo* info, TextSink* name) = 0;
+  // xrefDatabase()->originalFileName(); `present` false when either is null
+  // (an unresolved reference has no database).
+  virtual Result TAVLET_PORT_CALL XrefFileName(TextSink* path, bool* present) = 0;
+  // getLayoutId opened as AcDbLayout: getLayoutName and getTabOrder. Fails for
+  // a block that is not a layout.
+  virtual Result TAVLET_PORT_CALL Layout(TextSink* name, long* tabOrder) = 0;
+  virtual Result TAVLET_PORT_CALL NewIterator(EntityIterator** entities) = 0;
+};
+
+// AcDbSymbolTableIterator: done, getRecordId, step. 0 with kFalse at the end.
+class SymbolTableIterator : public Counted {
+ public:
+  virtual Result TAVLET_PORT_CALL Next(ObjectId* record) = 0;
+};
+
+// AcDbBlockTable or AcDbViewTable open for read.
+class SymbolTable : public Counted {
+ public:
+  virtual Result TAVLET_PORT_CALL NewIterator(SymbolTableIterator** records) = 0;
+};
+
+struct ViewRecordInfo {
+  bool paperSpace = false;          // isPaperspaceView
+  bool dependent = false;           // isDependent
+  double centerX = 0, centerY = 0;  // AcDbAbstractViewTableRecord::centerPoint
+};
+
+// An AcDbViewTableRecord, open for read or (from GetAt) for write.
+class ViewRecord : public Counted {
+ public:
+  virtual Result TAVLET_PORT_CALL Info(ViewRecordInfo* info, TextSink* name) = 0;
+  // xData(application): the sink gets each item of the list; nothing when the
+  // record has no data for the application. The list is freed (acutRelRb).
+  virtual Result TAVLET_PORT_CALL XData(const char* application, XDataSink* items) = 0;
+  // Open for write only.
+  virtual Result TAVLET_PORT_CALL SetPaperSpace(bool paperSpace) = 0;
+  // setXData with the list acutBuildList makes of the items, RTNONE ended.
+  virtual Result TAVLET_PORT_CALL SetXData(const XDataItem* items, long count) = 0;
+};
+
+class ViewTable : public SymbolTable {
+ public:
+  // getAt(name, record, forWrite ? kForWrite : kForRead); kFalse and null when
+  // the table has no such view.
+  virtual Result TAVLET_PORT_CALL GetAt(const char* name, bool forWrite, ViewRecord** record) = 0;
+};
+
+// AcDbDictionaryIterator: done, name, next. kFalse at the end.
+class DictionaryIterator : public Counted {
+ public:
+  virtual Result TAVLET_PORT_CALL Next(TextSink* name) = 0;
+};
+
+// An AcDbDictionary open for read.
+class Dictionary : public Counted {
+ public:
+  virtual Result TAVLET_PORT_CALL NewIterator(DictionaryIterator** entries) = 0;
 };
 
 enum SummaryField : long {
@@ -56,79 +170,52 @@ enum SummaryField : long {
   kSummaryHyperlinkBase,
 };
 
-// Acad::ErrorStatus values the bar looks at.
-inline constexpr long kAcadOk = 0;
-inline constexpr long kAcadDuplicateRecordName = 95;
-
 // Drawing-database content.
-// Real host: AcDbBlockTable and its iterators (isFromExternalReference,
-// xrefDatabase()->originalFileName(), isLayout, getLayoutId, getLayoutName),
-// AcDbBlockTableRecordIterator over entities opened for read (AcDbRasterImage
-// with its AcDbRasterImageDef's file, AcDbOle2Frame getType and getLinkPath,
-// AcDbViewport renderMode and number), AcDbEntityHyperlinkPE, the layer state
-// manager and its dictionary, AcDbViewTable with xData/setXData,
-// AcDbRegAppTable::add, acdbGetSummaryInfo, tilemode, currentSpaceId,
+// Real host: AcDbDatabase::getSymbolTable (AcDbBlockTable, AcDbViewTable) for
+// read, acdbOpenAcDbObject for read, tilemode, currentSpaceId, the layout
+// manager's active layout, getLayerStateManager with layerStatesDictionaryId
+// and restoreLayerState, AcDbRegAppTable::add, acdbGetSummaryInfo and
 // acadErrorStatusText.
-// Simulation: the content of the drawing's description file; failures of any
-// table or record by fault injection on the operation's name.
+// Simulation: the content of the drawing's description file; every operation,
+// of this service and of the objects it hands out, fails on demand by its
+// name; the objects open at any moment are counted.
 class DrawingDatabase {
  public:
   virtual Result TAVLET_PORT_CALL Tilemode(Database db, bool* tilemode) = 0;
-
-  // The block table, in table order. Failing here is the table not opening.
-  virtual Result TAVLET_PORT_CALL BlockRecordCount(Database db, long* count) = 0;
-  virtual Result TAVLET_PORT_CALL BlockRecord(Database db, long block, BlockRecordInfo* info, TextSink* name) = 0;
-  // originalFileName of the reference's database; `present` false when null.
-  virtual Result TAVLET_PORT_CALL XrefFileName(Database db, long block, TextSink* path, bool* present) = 0;
-  virtual Result TAVLET_PORT_CALL LayoutName(Database db, long block, TextSink* name) = 0;
-  virtual Result TAVLET_PORT_CALL LayoutTabOrder(Database db, long block, long* tabOrder) = 0;
   virtual Result TAVLET_PORT_CALL ActiveLayoutName(Database db, TextSink* name) = 0;
-  virtual Result TAVLET_PORT_CALL CurrentSpaceBlock(Database db, long* block) = 0;
+  // The block record of the space being drawn in.
+  virtual Result TAVLET_PORT_CALL CurrentSpaceId(Database db, ObjectId* block) = 0;
 
-  // Entities of one block, deleted ones included (flagged).
-  virtual Result TAVLET_PORT_CALL EntityCount(Database db, long block, long* count) = 0;
-  virtual Result TAVLET_PORT_CALL Entity(Database db, long block, long entity, EntityInfo* info) = 0;
-  // The image definition's file; `present` false when it has none.
-  virtual Result TAVLET_PORT_CALL ImageFileName(Database db, long block, long entity, TextSink* path,
-                                                bool* present) = 0;
-  // getLinkPath into 260 bytes; `present` false when it gives no path.
-  virtual Result TAVLET_PORT_CALL OleLinkPath(Database db, long block, long entity, TextSink* path,
-                                              bool* present) = 0;
+  virtual Result TAVLET_PORT_CALL OpenBlockTable(Database db, SymbolTable** table) = 0;
+  virtual Result TAVLET_PORT_CALL OpenViewTable(Database db, ViewTable** table) = 0;
+  virtual Result TAVLET_PORT_CALL OpenBlockRecord(ObjectId id, BlockRecord** record) = 0;
+  virtual Result TAVLET_PORT_CALL OpenViewRecord(ObjectId id, ViewRecord** record) = 0;
 
-  // Hyperlinks of an entity, or with entity -1 of the block record itself.
-  // The count is that of getHyperlinkCollection(oneOnly off, block definitions ignored).
-  virtual Result TAVLET_PORT_CALL HasHyperlink(Database db, long block, long entity, bool* has) = 0;
-  virtual Result TAVLET_PORT_CALL HyperlinkCount(Database db, long block, long entity, long* count) = 0;
-  virtual Result TAVLET_PORT_CALL Hyperlink(Database db, long block, long entity, long index, TextSink* name) = 0;
-
-  // Layer states. `exists` false when the database has no layer state manager;
-  // LayerStateCount fails when the states' dictionary does not open.
+  // getLayerStateManager: `exists` false when the database gives none.
   virtual Result TAVLET_PORT_CALL HasLayerStateManager(Database db, bool* exists) = 0;
-  virtual Result TAVLET_PORT_CALL LayerStateCount(Database db, long* count) = 0;
-  virtual Result TAVLET_PORT_CALL LayerStateName(Database db, long index, TextSink* name) = 0;
-  virtual Result TAVLET_PORT_CALL RestoreLayerState(Database db, const char* name, long* acadStatus) = 0;
+  // getLayerStateManager()->layerStatesDictionaryId(false); 0 with kFalse when
+  // the database has no manager or the manager no dictionary.
+  virtual Result TAVLET_PORT_CALL LayerStatesDictionary(Database db, ObjectId* dictionary) = 0;
+  virtual Result TAVLET_PORT_CALL OpenDictionary(ObjectId id, Dictionary** dictionary) = 0;
+  // restoreLayerState(name); the document must be locked for write. Fails
+  // (kPointer) on a database without a layer state manager.
+  virtual Result TAVLET_PORT_CALL RestoreLayerState(Database db, const char* name,
+                                                    long* acadStatus) = 0;
 
-  // The view table in table order; ViewAt fails for a record that won't open.
-  virtual Result TAVLET_PORT_CALL ViewCount(Database db, long* count) = 0;
-  virtual Result TAVLET_PORT_CALL ViewAt(Database db, long index, ViewRecordInfo* info, TextSink* name) = 0;
-  // The record's extended data for one application, as a list of items; the
-  // list is empty when the record has none.
-  virtual Result TAVLET_PORT_CALL ViewXDataCount(Database db, const char* view, const char* application,
-                                                 long* count) = 0;
-  virtual Result TAVLET_PORT_CALL ViewXDataItem(Database db, const char* view, const char* application, long index,
-                                                long* groupCode, TextSink* text) = 0;
-  virtual Result TAVLET_PORT_CALL SetViewPaperSpace(Database db, const char* view, bool paperSpace) = 0;
-  virtual Result TAVLET_PORT_CALL SetViewXData(Database db, const char* view, const XDataItem* items, long count) = 0;
-  // `acadStatus` kAcadOk, kAcadDuplicateRecordName or another failure.
-  virtual Result TAVLET_PORT_CALL AddRegApp(Database db, const char* application, long* acadStatus) = 0;
+  // The table of applications opened for write, a new AcDbRegAppTableRecord
+  // with setName, add (the record deleted when refused, closed otherwise), the
+  // table closed. `acadStatus` kAcadOk, kAcadDuplicateRecordName or another.
+  virtual Result TAVLET_PORT_CALL AddRegApp(Database db, const char* application,
+                                            long* acadStatus) = 0;
   virtual Result TAVLET_PORT_CALL ErrorStatusText(long acadStatus, TextSink* text) = 0;
 
   // acdbGetSummaryInfo: `present` false when it gives no object.
   virtual Result TAVLET_PORT_CALL HasSummaryInfo(Database db, bool* present) = 0;
-  virtual Result TAVLET_PORT_CALL SummaryText(Database db, long field, TextSink* value, long* acadStatus) = 0;
+  virtual Result TAVLET_PORT_CALL SummaryText(Database db, long field, TextSink* value,
+                                              long* acadStatus) = 0;
   virtual Result TAVLET_PORT_CALL CustomSummaryCount(Database db, long* count) = 0;
-  virtual Result TAVLET_PORT_CALL CustomSummary(Database db, long index, TextSink* key, TextSink* value,
-                                                long* acadStatus) = 0;
+  virtual Result TAVLET_PORT_CALL CustomSummary(Database db, long index, TextSink* key,
+                                                TextSink* value, long* acadStatus) = 0;
 
  protected:
   ~DrawingDatabase() = default;

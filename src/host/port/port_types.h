@@ -38,6 +38,10 @@ inline constexpr Result kInvalidArgument = MakeResult(0x80070057u);
 inline constexpr Result kBadIndex = MakeResult(0x8002000Bu);       // DISP_E_BADINDEX
 inline constexpr Result kDispatchException = MakeResult(0x80020009u);  // DISP_E_EXCEPTION
 inline constexpr Result kCallRejected = MakeResult(0x80010001u);   // RPC_E_CALL_REJECTED: host busy
+// The binding's word for a call that ended by an exception inside the host that
+// is no COM error (a structured exception, caught at the seam): the core raises it
+// as host::HostException, which only a handler's catch-all takes.
+inline constexpr Result kHostException = MakeResult(0xE0000001u);
 
 // Opaque identities of host objects that the host owns and does not count
 // references for. Compared by value, never dereferenced by the core.

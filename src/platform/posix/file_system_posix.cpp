@@ -97,6 +97,10 @@ std::string TempFolder() {
 
 class PosixFileSystem final : public FileSystem {
  public:
+  explicit PosixFileSystem(std::string windowsFolder = "") : windowsFolder_(std::move(windowsFolder)) {}
+
+  std::string WindowsFolder() override { return windowsFolder_; }
+
   FileInfo Stat(const std::string& path) override {
     FileInfo info;
     struct stat st {};
@@ -236,6 +240,9 @@ class PosixFileSystem final : public FileSystem {
     std::sort(names.begin(), names.end());
     return FileError::None;
   }
+
+ private:
+  std::string windowsFolder_;
 };
 
 }  // namespace
@@ -243,6 +250,10 @@ class PosixFileSystem final : public FileSystem {
 FileSystem& NativeFileSystem() {
   static PosixFileSystem fileSystem;
   return fileSystem;
+}
+
+std::unique_ptr<FileSystem> MakeNativeFileSystem(std::string windowsFolder) {
+  return std::make_unique<PosixFileSystem>(std::move(windowsFolder));
 }
 
 }  // namespace tavlet

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/file_system.h"
 #include "platform/win32/handles.h"
@@ -56,10 +57,59 @@ std::size_t LastSeparator(const std::string& path) {
   return found;
 }
 
+// Delete sharing too: a file that another handle holds with delete-on-close (or any
+// holder that asked for DELETE access) is still readable, as the platform reads it.
 win32::KernelHandle OpenForReading(const std::string& path) {
   return win32::KernelHandle(CreateFileA(path.c_str(), GENERIC_READ,
-                                         FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
+                                         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                                         nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
+FileError WriteAll(HANDLE file, std::string_view bytes) {
+  while (!bytes.empty()) {
+    DWORD chunk = static_cast<DWORD>(std::min<std::size_t>(bytes.size(), 1u << 20));
+    DWORD written = 0;
+    if (!WriteFile(file, bytes.data(), chunk, &written, nullptr) || written == 0) return FromLastError();
+    bytes.remove_prefix(written);
+  }
+  return FileError::None;
+}
+
+// The rewrite in place of a file that can't be replaced because another process holds
+// it open (without delete sharing, which a rename over it needs). The platform's own
+// profile writes open such a file and rewrite it, so they succeed; so must we. The
+// new content is already whole in `temp` beside the file, and that copy stays until
+// the rewrite is complete: if the process dies half-way, the file may be part new and
+// part old, but never cut short or empty (the old bytes are overwritten from the
+// start and the end is cut last), and `temp`, an "MV_*.tmp" beside it, holds the
+// whole new content to recover from. Both are flushed, the copy before the file is
+// touched and the file before the copy goes, so that this holds across a crash of
+// the machine too; the path is rare, its cost doesn't matter.
+FileError RewriteInPlace(const std::string& path, const char* temp, std::string_view bytes) {
+  win32::KernelHandle file(CreateFileA(path.c_str(), GENERIC_WRITE,
+                                       FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                       OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+  if (!file.valid()) {
+    // Nothing was touched (the holder doesn't share writing, say): the copy is of no use.
+    const FileError error = FromLastError();
+    DeleteFileA(temp);
+    return error;
+  }
+  {
+    win32::KernelHandle copy(CreateFileA(temp, GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
                                          FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!copy.valid() || !FlushFileBuffers(copy.get())) {
+      const FileError error = FromLastError();
+      DeleteFileA(temp);
+      return error;
+    }
+  }
+  FileError error = WriteAll(file.get(), bytes);
+  if (error == FileError::None && !SetEndOfFile(file.get())) error = FromLastError();
+  if (error == FileError::None && !FlushFileBuffers(file.get())) error = FromLastError();
+  if (!file.Close() && error == FileError::None) error = FromLastError();
+  if (error == FileError::None) DeleteFileA(temp);
+  return error;
 }
 
 FileError ReadSome(HANDLE file, std::string& bytes, std::uint64_t wanted) {
@@ -77,6 +127,16 @@ FileError ReadSome(HANDLE file, std::string& bytes, std::uint64_t wanted) {
 
 class Win32FileSystem final : public FileSystem {
  public:
+  // An empty `windowsFolder` is the system's own.
+  explicit Win32FileSystem(std::string windowsFolder = "") : windowsFolder_(std::move(windowsFolder)) {}
+
+  std::string WindowsFolder() override {
+    if (!windowsFolder_.empty()) return windowsFolder_;
+    char folder[MAX_PATH + 1] = {};
+    const UINT length = GetWindowsDirectoryA(folder, sizeof folder);
+    return length == 0 || length > MAX_PATH ? std::string() : std::string(folder, length);
+  }
+
   FileInfo Stat(const std::string& path) override {
     FileInfo info;
     WIN32_FILE_ATTRIBUTE_DATA data{};
@@ -132,22 +192,18 @@ class Win32FileSystem final : public FileSystem {
     {
       win32::KernelHandle file(CreateFileA(temp, GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
                                            FILE_ATTRIBUTE_NORMAL, nullptr));
-      if (!file.valid()) error = FromLastError();
-      while (error == FileError::None && !bytes.empty()) {
-        DWORD chunk = static_cast<DWORD>(std::min<std::size_t>(bytes.size(), 1u << 20));
-        DWORD written = 0;
-        if (!WriteFile(file.get(), bytes.data(), chunk, &written, nullptr) || written == 0) {
-          error = FromLastError();
-          break;
-        }
-        bytes.remove_prefix(written);
-      }
+      error = file.valid() ? WriteAll(file.get(), bytes) : FromLastError();
       // No FlushFileBuffers, for the reason the POSIX version gives.
       if (!file.Close() && error == FileError::None) error = FromLastError();
     }
     if (error == FileError::None &&
         !MoveFileExA(temp, path.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) {
-      error = FromLastError();
+      const DWORD moveError = GetLastError();
+      // Held open by someone else: the read-only and folder cases were refused above.
+      const bool held = (moveError == ERROR_SHARING_VIOLATION || moveError == ERROR_ACCESS_DENIED) &&
+                        attributes != INVALID_FILE_ATTRIBUTES;
+      if (held) return RewriteInPlace(path, temp, bytes);
+      error = FromLastError(moveError);
     }
     if (error != FileError::None) DeleteFileA(temp);
     return error;
@@ -215,6 +271,9 @@ class Win32FileSystem final : public FileSystem {
     std::sort(names.begin(), names.end());
     return FileError::None;
   }
+
+ private:
+  std::string windowsFolder_;
 };
 
 }  // namespace
@@ -222,6 +281,10 @@ class Win32FileSystem final : public FileSystem {
 FileSystem& NativeFileSystem() {
   static Win32FileSystem fileSystem;
   return fileSystem;
+}
+
+std::unique_ptr<FileSystem> MakeNativeFileSystem(std::string windowsFolder) {
+  return std::make_unique<Win32FileSystem>(std::move(windowsFolder));
 }
 
 }  // namespace tavlet
