@@ -1,8 +1,9 @@
 #include "platform/win32/operations/shell_win32.h"
 
+#include <windows.h>
+// The shell's headers need windows.h first.
 #include <shellapi.h>
 #include <shlobj.h>
-#include <windows.h>
 
 #include "platform/win32/operations/plot_dialog.rh"
 
