@@ -9,24 +9,16 @@
 #include "platform/win32/bar/preview_strip_win32.h"
 #include "platform/win32/bar/tab_strip_win32.h"
 #include "platform/win32/handles.h"
+#include "platform/win32/port_handles.h"
 
 namespace tavlet::win32 {
 
 namespace {
 
-RECT ToRect(const host::WindowRect& r) {
-  return {static_cast<LONG>(r.left), static_cast<LONG>(r.top), static_cast<LONG>(r.right),
-          static_cast<LONG>(r.bottom)};
-}
-host::WindowRect FromRect(const RECT& r) { return {r.left, r.top, r.right, r.bottom}; }
-
 void Move(HWND window, const host::WindowRect& r, bool repaint) {
   MoveWindow(window, static_cast<int>(r.left), static_cast<int>(r.top), static_cast<int>(r.Width()),
              static_cast<int>(r.Height()), repaint);
 }
-
-HWND H(port::Window w) { return reinterpret_cast<HWND>(w); }
-port::Window W(HWND h) { return reinterpret_cast<port::Window>(h); }
 
 LPCSTR CursorId(bar::GripCursor cursor) {
   switch (cursor) {

@@ -3,16 +3,12 @@
 #include <string>
 
 #include "bar/strip_actions.h"
+#include "platform/win32/port_handles.h"
 #include "platform/win32/raster_gdi.h"
 
 namespace tavlet::win32 {
 
 namespace {
-
-RECT ToRect(const host::WindowRect& r) {
-  return {static_cast<LONG>(r.left), static_cast<LONG>(r.top), static_cast<LONG>(r.right),
-          static_cast<LONG>(r.bottom)};
-}
 
 void Fill(HDC dc, const RECT& r, COLORREF color) {
   GdiObject<HBRUSH> brush(CreateSolidBrush(color));

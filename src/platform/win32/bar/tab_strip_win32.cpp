@@ -7,6 +7,7 @@
 
 #include "bar/docking.h"
 #include "platform/win32/handles.h"
+#include "platform/win32/port_handles.h"
 #include "platform/win32/raster_gdi.h"
 #include "platform/win32/window.h"
 #include "platform/win32/window_hook.h"
@@ -14,8 +15,6 @@
 namespace tavlet::win32 {
 
 namespace {
-
-HWND H(port::Window w) { return reinterpret_cast<HWND>(w); }
 
 std::string ItemText(HWND tabs, int index) {
   char text[512] = {};

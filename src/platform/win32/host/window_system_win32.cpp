@@ -3,21 +3,13 @@
 #include <windows.h>
 
 #include "platform/win32/host/frame_layout.h"
+#include "platform/win32/port_handles.h"
 #include "platform/win32/window.h"
 #include "platform/win32/window_hook.h"
 
 namespace tavlet::win32 {
 
 namespace {
-
-HWND H(port::Window w) { return reinterpret_cast<HWND>(w); }
-port::Window W(HWND h) { return reinterpret_cast<port::Window>(h); }
-
-RECT ToRect(const host::WindowRect& r) {
-  return {static_cast<LONG>(r.left), static_cast<LONG>(r.top), static_cast<LONG>(r.right),
-          static_cast<LONG>(r.bottom)};
-}
-host::WindowRect FromRect(const RECT& r) { return {r.left, r.top, r.right, r.bottom}; }
 
 constexpr char kPlainClass[] = "TavletWindow";
 
