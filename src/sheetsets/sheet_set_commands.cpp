@@ -1,5 +1,7 @@
 #include "sheetsets/sheet_set_commands.h"
 
+#include <string_view>
+
 #include "operations/drawing_operations.h"
 #include "settings/settings_table.h"
 #include "sheetsets/file_finder.h"
@@ -51,8 +53,11 @@ void SheetSetCommands::FillSheetSetLists(int& nextId, bool placeholders) {
 void SheetSetCommands::OpenSheetSet(const std::string& path) {
   if (OpenSheetSetInSSM) {
     // The path is quoted as it is: a quote inside it isn't escaped.
-    std::string command = command_texts::kOpenSheetSetCommand;
-    command.replace(command.find("%s"), 2, path);
+    const std::string_view format = command_texts::kOpenSheetSetCommand;
+    const std::size_t at = format.find("%s");
+    std::string command(format.substr(0, at));
+    command += path;
+    command += format.substr(at + 2);
     try {
       services_.application.ActiveDocument().SendCommand(command);
     } catch (const host::ComError& error) {
