@@ -183,7 +183,12 @@ void BarModel::SetFloating(bool floating, bool apply) {
   }
   windows.SetParent(window_, floatFrame_);
   windows.ShowWindow(floatFrame_, host::kSwShow);
-  if (apply) RepositionDrawingArea();
+  if (!apply) return;
+  // The space the bar leaves is given back where it was docked.
+  if (IsAreaSide(settings_.DockSide))
+    RepositionDrawingArea();
+  else
+    RepositionCommandArea();
 }
 
 void BarModel::SetDockSide(int side, bool apply) {

@@ -82,6 +82,31 @@ TEST(FrameHook, TheWindowShrinksByTheBarAndTheBarFillsTheStrip) {
   }
 }
 
+// Turning to float gives the strip back to the window it was carved from.
+TEST(FrameHook, FloatingGivesTheSpaceBackWhereTheBarWasDocked) {
+  for (int side : {kDockLeft, kDockCommandLeft}) {
+    SCOPED_TRACE(side);
+    const bool area = IsAreaSide(side);
+    sim::ModuleHarness h;
+    h.SetSetting(keys::DockSide, side);
+    h.SetSetting(area ? keys::Size : keys::WidthOnCmdWnd, 300);
+    for (int i = 0; i < 2; ++i) h.OpenDrawing("C:\\d\\" + std::to_string(i) + ".dwg");
+    ASSERT_EQ(h.Load(), 0);
+    const port::Window window = h.host.WindowNamed(area ? "mdiclient" : "cmdhost");
+    const WindowRect whole = area ? WindowRect{0, 60, 1024, 640} : WindowRect{0, 4, 1024, 100};
+    h.windows.MoveWindow(window, whole, false);
+    const size_t layouts = h.windows.LogOf("RecalcFrameLayout").size();
+    h.Bar()->SetFloating(true, true);
+    // The frame lays out the drawing area again; the command host is moved back.
+    EXPECT_EQ(h.windows.LogOf("RecalcFrameLayout").size() - layouts, area ? 1u : 0u);
+    if (!area) {
+      WindowRect placed;
+      h.windows.GetWindowRect(window, placed);
+      EXPECT_EQ(Text(placed), "0,644,1024,740");
+    }
+  }
+}
+
 TEST(BarChildren, TabsAndStripPerSideAndTheTabsStyleAndThickness) {
   struct Case {
     int side;
