@@ -18,7 +18,8 @@ for preset in linux win64; do
     step "build $preset" cmake --build --preset "$preset" &&
     step "test $preset" ctest --preset "$preset"
 done
-step "configure win32" cmake --preset win32 >/dev/null && step "build win32" cmake --build --preset win32
+step "configure win32" cmake --preset win32 >/dev/null && step "build win32" cmake --build --preset win32 &&
+  step "package" bash scripts/package.sh --no-build
 # The suites that cross the host port (the module loaded as a DLL into real
 # windows, and start-up through the window system) on the i686 build, where
 # __stdcall matters, under 32-bit Wine.

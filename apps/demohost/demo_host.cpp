@@ -7,6 +7,7 @@
 #include <cctype>
 #include <vector>
 
+#include "host/com_error.h"
 #include "platform/win32/host/frame_layout.h"
 #include "platform/win32/registry_backend_win32.h"
 #include "settings/settings_table.h"
@@ -306,6 +307,43 @@ bool DemoHost::LoadModule(std::string& error, bool atStartup) {
   return true;
 }
 
+DemoHost::Registration DemoHost::ReadRegistration() {
+  Registration registration;
+  host::StringSink productKey;
+  if (port::Failed(session_.Services()->ProductKey(&productKey))) return registration;
+  const std::string path = productKey.text + "\\Applications\\MorvaneTavlet";
+  HKEY key = nullptr;
+  if (RegOpenKeyExA(HKEY_CURRENT_USER, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) return registration;
+  registration.found = true;
+  DWORD size = sizeof registration.loadCtrls;
+  RegQueryValueExA(key, "LOADCTRLS", nullptr, nullptr, reinterpret_cast<BYTE*>(&registration.loadCtrls), &size);
+  char loader[MAX_PATH] = {};
+  size = sizeof loader - 1;
+  if (RegQueryValueExA(key, "LOADER", nullptr, nullptr, reinterpret_cast<BYTE*>(loader), &size) == ERROR_SUCCESS)
+    registration.loader = loader;
+  RegCloseKey(key);
+  if (RegOpenKeyExA(HKEY_CURRENT_USER, (path + "\\Commands").c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS)
+    return registration;
+  for (DWORD i = 0;; ++i) {
+    char name[256];
+    DWORD length = sizeof name;
+    if (RegEnumValueA(key, i, name, &length, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) break;
+    registration.commands.push_back(ToUpper(std::string(name, length)));
+  }
+  RegCloseKey(key);
+  return registration;
+}
+
+bool DemoHost::Start(std::string& error) {
+  const Registration registration = ReadRegistration();
+  if (registration.loadCtrls == 4 && !registration.loader.empty() && !registration.commands.empty()) {
+    modulePath_ = registration.loader;
+    demandCommands_ = registration.commands;
+    return true;
+  }
+  return LoadModule(error, true);
+}
+
 void DemoHost::UnloadModule() {
   if (!module_) return;
   entry_(2, nullptr, &session_);
@@ -336,6 +374,11 @@ void DemoHost::Execute(const std::string& typed) {
     return;
   }
   host_.TranscriptRef() += "Command: " + line + "\n";
+  if (!module_ && std::find(demandCommands_.begin(), demandCommands_.end(), command) != demandCommands_.end()) {
+    // Demand loading: the module first, then the command it registered.
+    std::string error;
+    if (!LoadModule(error, true)) host_.TranscriptRef() += error + "\n";
+  }
   if (command == "CLOSE") {
     if (port::Document doc = host_.MdiActive()) host_.CloseDrawing(doc);
   } else if (!host_.RunRegisteredCommand(command)) {

@@ -11,6 +11,7 @@
 
 #include <map>
 #include <string>
+#include <vector>
 
 #include "host/port/host_session.h"
 #include "platform/win32/arx/tavlet_arx.h"
@@ -79,6 +80,20 @@ class DemoHost final : private port::DocManagerEvents {
   // At start-up the frame's first layout follows the load; otherwise the load
   // runs inside the APPLOAD command, as a user loads a module by hand.
   bool LoadModule(std::string& error, bool atStartup = false);
+  // What the host reads under its product key at start to decide how the
+  // module is loaded: the entries the module's registration wrote.
+  struct Registration {
+    bool found = false;
+    DWORD loadCtrls = 0;
+    std::string loader;
+    std::vector<std::string> commands;  // upper case
+  };
+  Registration ReadRegistration();
+  // Start-up: loads the module now, unless its registration asks for loading on
+  // command (LOADCTRLS 4): then the first of its registered commands typed
+  // loads it from the registered path, before running.
+  bool Start(std::string& error);
+  bool DemandLoading() const { return !demandCommands_.empty(); }
   // The entry's unload message and FreeLibrary.
   void UnloadModule();
   bool ModuleLoaded() const { return module_ != nullptr; }
@@ -143,6 +158,7 @@ class DemoHost final : private port::DocManagerEvents {
   HWND transcriptEdit_ = nullptr;
   HWND inputEdit_ = nullptr;
   std::size_t shownTranscript_ = 0;
+  std::vector<std::string> demandCommands_;
   std::map<port::Document, HWND> views_;
   std::map<HWND, double> zoom_;
   // Set while the host's own activation or creation moves the MDI children, so

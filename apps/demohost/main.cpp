@@ -66,7 +66,7 @@ int main(int argc, char** argv) {
     return tavlet::demo::kScriptFailed;
   }
   for (const std::string& drawing : drawings) demo.Open(drawing);
-  if (!demo.LoadModule(error, true)) {
+  if (!demo.Start(error)) {
     std::cerr << "demohost: " << error << std::endl;
     return tavlet::demo::kScriptFailed;
   }

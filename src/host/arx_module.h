@@ -15,6 +15,7 @@
 #include "host/port/host_session.h"
 #include "host/window_system.h"
 #include "settings/settings_store.h"
+#include "tavlet_version.h"
 
 namespace tavlet::host {
 
@@ -67,7 +68,7 @@ class ArxModule {
 
   std::vector<ArxCommand> Commands;
   std::string ProductName = "Tavlet";
-  std::string BuildText = "2.0.7";
+  std::string BuildText = TAVLET_VERSION;
   std::string ApplicationKey = "MorvaneTavlet";
   void* ModuleId = nullptr;
   // The year of the notice line; the local clock's unless a test sets it.

@@ -17,7 +17,7 @@ constexpr std::array kAll = {
     keys::WidthOnCmdWnd, keys::MRUCount, keys::MinSize, keys::HasScrollBar,
     keys::OpenSheetSetInSSM, keys::SsSearchPath, keys::LastWorkset, keys::SaveCommand,
     keys::DisableNewMenu, keys::AvoidSaveasInLisp, keys::LabelFont, keys::TabFont,
-    keys::FloatPosition,
+    keys::FloatPosition, keys::UpdateEndpoint,
     keys::Background, keys::TitleBack, keys::TitleText, keys::ReadOnly, keys::Modified,
     keys::AutoUpdatePreviews, keys::ShowDwgName, keys::DwgNameAbove, keys::ScrollOverflow,
     keys::ScrollBarSize,

@@ -103,6 +103,8 @@ inline constexpr SettingKey LabelFont{"", "LabelFont", Font, StockGuiFont};
 inline constexpr SettingKey TabFont{"", "TabFont", Font, StockGuiFont};
 // With no stored value the floating bar takes the frame's top left corner, 300 by 100.
 inline constexpr SettingKey FloatPosition{"", "FloatPosition", Placement, None};
+// The about box's check for a newer build: an http(s) address; none, no check.
+inline constexpr SettingKey UpdateEndpoint{"", "UpdateEndpoint", String, Fixed, 0, 0, ""};
 
 // Section "Colors".
 inline constexpr SettingKey Background{"Colors", "Background", Color, SystemColor, 15};

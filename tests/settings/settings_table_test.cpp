@@ -69,6 +69,7 @@ TEST_F(SettingsTableTest, CleanHiveGivesEveryDefault) {
   EXPECT_DOUBLE_EQ(ReadDouble(store, keys::BlackBack::Gamma), 2.5);
   EXPECT_DOUBLE_EQ(ReadDouble(store, keys::WhiteBack::Gamma), 0);
   EXPECT_EQ(ReadString(store, keys::SaveCommand), "_.QSAVE\n");
+  EXPECT_EQ(ReadString(store, keys::UpdateEndpoint), "");
   EXPECT_EQ(ReadColor(store, keys::ReadOnly, display), 172u);
   EXPECT_EQ(ReadColor(store, keys::Modified, display), 364328u);
   EXPECT_EQ(ReadColor(store, keys::Background, display), display.SysColor(15));

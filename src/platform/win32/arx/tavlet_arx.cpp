@@ -12,6 +12,7 @@
 #include "platform/win32/dib_paint.h"
 #include "platform/win32/raster_gdi.h"
 #include "platform/win32/registry_backend_win32.h"
+#include "platform/win32/ui/about_box_win32.h"
 #include "platform/win32/window.h"
 #include "platform/win32/host/window_system_win32.h"
 
@@ -65,6 +66,10 @@ void Load(void* pkt, port::HostSession& session) {
   services.registry = &module.registry;
   services.display = &module.display;
   services.modulePath = ModulePath();
+  services.aboutBox = [] {
+    host::TavletModule* running = host::CurrentModule();
+    ShowAboutBox(running ? reinterpret_cast<HWND>(running->Frame().frame) : nullptr);
+  };
   host::SetModuleServices(services);
   TavletEntry(host::kInitAppMsg, pkt, &session);
 }
