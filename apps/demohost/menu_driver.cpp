@@ -140,6 +140,7 @@ void TakePicture(Drive& d) {
     // The tip's one tool; its text is what shows.
     if (SendMessageA(tip, TTM_ENUMTOOLSA, 0, reinterpret_cast<LPARAM>(&tool))) d.run->tipText = text;
     GetWindowRect(tip, &d.run->tipRect);
+    ClientToScreen(tip, &d.run->tipAt);
     UnionRect(&area, &area, &d.run->tipRect);
   }
   if (!d.indices.empty()) GetMenuItemRect(nullptr, d.menus.back(), static_cast<UINT>(d.indices.back()), &d.run->itemRect);

@@ -37,6 +37,7 @@ struct MenuRun {
   // The visible tip while the path's last entry was highlighted, if any.
   std::string tipText;
   RECT tipRect{};
+  POINT tipAt{};  // the tip's client origin: where the bar placed it, inside its border
   RECT itemRect{};  // the last entry's rectangle on the screen
 };
 

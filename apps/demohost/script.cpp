@@ -362,7 +362,7 @@ bool ScriptRunner::RightClick(const ScriptStep& step, std::string& error) {
     return false;
   }
   if (!run.tipText.empty()) {
-    log_ << "    menu tip at " << run.tipRect.left << "," << run.tipRect.top << " beside the entry at "
+    log_ << "    menu tip at " << run.tipAt.x << "," << run.tipAt.y << " beside the entry at "
          << run.itemRect.left << "," << run.itemRect.top << "-" << run.itemRect.right << ": "
          << text::ToUtf8(run.tipText) << std::endl;
   }
