@@ -2,6 +2,7 @@
 // entries picked by their texts doing their work on the simulated host, the
 // workset tip beside its entry, and a path that leads nowhere.
 #include <windows.h>
+#include <commctrl.h>
 
 #include <gtest/gtest.h>
 
@@ -47,7 +48,10 @@ class ContextMenuOnFrame : public ::testing::Test {
     store.SetInt("", "DockSide", 59420);
     store.SetInt("", "Size", 110);
     store.SetString("工作集", "路径", worksets);
-
+  }
+  void Start(int tabMode = 0) {
+    Win32Registry registry;
+    SettingsStore(registry, DefaultSettingsRoot()).SetInt("", "TabMode", tabMode);
     demo = std::make_unique<DemoHost>(WinePath(TAVLET_ARX_PATH), false);
     ASSERT_TRUE(demo->CreateFrame(900, 700)) << "no display";
     plan = demo->Open(testing::SamplesDir() + "\\plan.tdd");
@@ -81,6 +85,7 @@ class ContextMenuOnFrame : public ::testing::Test {
 };
 
 TEST_F(ContextMenuOnFrame, EntriesPickedByTheirTextsDoTheirWork) {
+  Start();
   struct Case {
     const char* step;
     std::function<void(ContextMenuOnFrame&)> check;
@@ -107,6 +112,7 @@ TEST_F(ContextMenuOnFrame, EntriesPickedByTheirTextsDoTheirWork) {
 }
 
 TEST_F(ContextMenuOnFrame, AWorksetsTipListsItsMembersBesideItsEntry) {
+  Start();
   ASSERT_EQ(Run("menu-screenshot cell 1 \"工作集 > Site plans > All\" tip.bmp\n"), "");
   const MenuRun& seen = runner->LastMenu();
   EXPECT_EQ(seen.tipText, "b.dwg\nc.dwg");
@@ -133,6 +139,7 @@ TEST_F(ContextMenuOnFrame, AWorksetsTipListsItsMembersBesideItsEntry) {
 }
 
 TEST_F(ContextMenuOnFrame, APathThatLeadsNowhereFailsNamingTheEntriesThere) {
+  Start();
   struct Case {
     const char* step;
     const char* error;
@@ -149,6 +156,64 @@ TEST_F(ContextMenuOnFrame, APathThatLeadsNowhereFailsNamingTheEntriesThere) {
   // Each failure closed its popup: the bar answers the next right click.
   ASSERT_EQ(Run("rclick cell 1\n"), "");
   EXPECT_NE(log.str().find("popup menu of 23 entries"), std::string::npos);
+}
+
+// A point of the frame's client area as the script's `X Y` takes it.
+std::string InFrame(HWND frame, POINT screen) {
+  ScreenToClient(frame, &screen);
+  return std::to_string(screen.x) + " " + std::to_string(screen.y);
+}
+
+TEST_F(ContextMenuOnFrame, TheMenuIsForTheDrawingUnderThePointerOrForNone) {
+  for (int tabMode : {0, 1}) {
+    SCOPED_TRACE(tabMode ? "tabs" : "previews");
+    TearDown();
+    SetUp();
+    Start(tabMode);
+    POINT onPlan{}, offDrawings{};
+    if (tabMode) {
+      HWND tabs = nullptr;
+      EnumChildWindows(
+          demo->Frame(),
+          [](HWND hwnd, LPARAM found) -> BOOL {
+            char name[64] = {};
+            GetClassNameA(hwnd, name, sizeof name);
+            if (lstrcmpA(name, "SysTabControl32") == 0) *reinterpret_cast<HWND*>(found) = hwnd;
+            return TRUE;
+          },
+          reinterpret_cast<LPARAM>(&tabs));
+      ASSERT_NE(tabs, nullptr);
+      int planTab = -1;
+      const int count = static_cast<int>(SendMessageA(tabs, TCM_GETITEMCOUNT, 0, 0));
+      for (int i = 0; i < count; ++i) {
+        TCITEMA item{};
+        item.mask = TCIF_PARAM;
+        SendMessageA(tabs, TCM_GETITEMA, i, reinterpret_cast<LPARAM>(&item));
+        if (reinterpret_cast<port::Document>(item.lParam) == plan) planTab = i;
+      }
+      ASSERT_GE(planTab, 0);
+      RECT r{};
+      SendMessageA(tabs, TCM_GETITEMRECT, planTab, reinterpret_cast<LPARAM>(&r));
+      MapWindowPoints(tabs, nullptr, reinterpret_cast<POINT*>(&r), 2);
+      onPlan = {(r.left + r.right) / 2, (r.top + r.bottom) / 2};
+      RECT all{};
+      GetWindowRect(tabs, &all);
+      offDrawings = {all.right - 5, all.bottom - 5};
+    } else {
+      RECT first{}, second{};
+      ASSERT_TRUE(CellOnScreen(FindPreviewStrip(), 0, first));
+      ASSERT_TRUE(CellOnScreen(FindPreviewStrip(), 1, second));
+      onPlan = {(first.left + first.right) / 2, (first.top + first.bottom) / 2};
+      offDrawings = {(second.left + second.right) / 2, second.bottom + 20};
+    }
+    ASSERT_EQ(Run("menu " + InFrame(demo->Frame(), onPlan) + " \"布局 > Layout2\"\nwait 100\n"), "");
+    EXPECT_EQ(Plan().content.activeLayout, "Layout2");
+    // The tabs have no preview entry; empty bar has no block for a drawing at all.
+    EXPECT_EQ(runner->LastMenu().topEntries, tabMode ? 22 : 23);
+    log.str("");
+    ASSERT_EQ(Run("rclick " + InFrame(demo->Frame(), offDrawings) + "\n"), "");
+    EXPECT_NE(log.str().find("popup menu of 15 entries"), std::string::npos) << log.str();
+  }
 }
 
 }  // namespace
