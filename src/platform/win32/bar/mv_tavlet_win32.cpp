@@ -250,11 +250,6 @@ void MvTavletWindow::OnContextMenu(POINT screen) {
   popup_.Track(hwnd(), menu->Menu(), DocumentAt(screen), screen);
 }
 
-void MvTavletWindow::ShowBox(const std::string& text) {
-  long answer = 0;
-  bar_.Session().Boxes()->Show(text.c_str(), port::kBoxOk, &answer);
-}
-
 // ---------------------------------------------------------------- FloatFrame
 
 HWND FloatFrameWindow::Make(const host::WindowCreation& c) {

@@ -42,7 +42,6 @@ class MvTavletWindow final : public OwnedByWindow {
   void OnClose() override {}  // the bar cannot be closed by a message
 
  private:
-  void ShowBox(const std::string& text);
   // Shows where the drag would put the bar's edge: a dotted frame drawn by
   // inversion on the screen, drawn again to erase it.
   void TrackDrag(long thickness);
