@@ -88,9 +88,13 @@ std::uint32_t Picture::At(int x, int y) const {
 }
 
 Picture CaptureWindow(HWND window) {
-  Picture picture;
   RECT r{};
-  if (!GetWindowRect(window, &r)) return picture;
+  if (!GetWindowRect(window, &r)) return {};
+  return CaptureRect(r);
+}
+
+Picture CaptureRect(const RECT& r) {
+  Picture picture;
   const int width = r.right - r.left, height = r.bottom - r.top;
   if (width <= 0 || height <= 0) return picture;
   win32::ScreenDc screen;

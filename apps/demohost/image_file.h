@@ -20,6 +20,8 @@ struct Picture {
 
 // The pixels of the window's whole rectangle, read from the screen.
 Picture CaptureWindow(HWND window);
+// The pixels of a rectangle of the screen.
+Picture CaptureRect(const RECT& area);
 // By the extension: ".png" or ".bmp" (any other is refused). False with the reason in `error`.
 bool WritePicture(const Picture& picture, const std::string& path, std::string& error);
 // For tests: reads back a 24-bit BMP that WritePicture wrote.

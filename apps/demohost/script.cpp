@@ -5,6 +5,8 @@
 #include <map>
 #include <sstream>
 
+#include "menu_driver.h"
+#include "text/codepage.h"
 #include "platform/win32/bar/preview_strip_win32.h"
 
 namespace tavlet::demo {
@@ -25,6 +27,8 @@ const std::map<std::string, Verb>& Verbs() {
       {"click", {2, 3, "click cell N [ctrl] | click X Y [ctrl]"}},
       {"dblclick", {2, 3, "dblclick cell N [ctrl] | dblclick X Y [ctrl]"}},
       {"rclick", {2, 3, "rclick cell N | rclick X Y"}},
+      {"menu", {3, 3, "menu cell N \"ENTRY > ENTRY ...\" | menu X Y \"ENTRY > ...\""}},
+      {"menu-screenshot", {4, 4, "menu-screenshot cell N \"ENTRY > ...\" PATH.png|PATH.bmp"}},
       {"wheel", {1, 1, "wheel DELTA"}},
       {"resize", {2, 2, "resize WIDTH HEIGHT"}},
       {"wait", {1, 1, "wait MILLISECONDS"}},
@@ -167,11 +171,12 @@ bool Script::Parse(const std::string& text, std::string& error) {
       error = Where(path_, number) + "expected '" + verb->second.usage + "'";
       return false;
     }
-    if (step.verb == "click" || step.verb == "dblclick" || step.verb == "rclick") {
+    const bool menu = step.verb == "menu" || step.verb == "menu-screenshot";
+    if (step.verb == "click" || step.verb == "dblclick" || step.verb == "rclick" || menu) {
       long a = 0, b = 0;
       const bool cell = first == "cell" && ParseInt(step.args[1], a);
       const bool point = ParseInt(first, a) && ParseInt(step.args[1], b);
-      const bool modifierOk = count < 3 || step.args[2] == "ctrl";
+      const bool modifierOk = menu ? !step.args[2].empty() : count < 3 || step.args[2] == "ctrl";
       if (!(cell || point) || !modifierOk) {
         error = Where(path_, number) + "expected '" + verb->second.usage + "'";
         return false;
@@ -241,8 +246,10 @@ bool ScriptRunner::Step(const ScriptStep& step, std::string& error) {
     host.Activate(target);
   } else if (verb == "command") {
     demo_.Execute(step.rest);
-  } else if (verb == "click" || verb == "dblclick" || verb == "rclick") {
+  } else if (verb == "click" || verb == "dblclick") {
     return Click(step, error);
+  } else if (verb == "rclick" || verb == "menu" || verb == "menu-screenshot") {
+    return RightClick(step, error);
   } else if (verb == "wheel") {
     HWND view = demo_.ViewOf(host.MdiActive());
     if (!view) {
@@ -324,10 +331,10 @@ bool ScriptRunner::Click(const ScriptStep& step, std::string& error) {
   ScreenToClient(target, &client);
   const LPARAM at = MAKELPARAM(client.x, client.y);
   const WPARAM keys = ctrl ? MK_CONTROL : 0;
-  if (step.verb == "rclick") {
+  if (step.verb == "rclick" || step.verb == "menu" || step.verb == "menu-screenshot") {
     PostMessageA(target, WM_RBUTTONDOWN, keys | MK_RBUTTON, at);
+    // The default handling of the button's release sends WM_CONTEXTMENU, as with a real click.
     PostMessageA(target, WM_RBUTTONUP, keys, at);
-    PostMessageA(target, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(target), MAKELPARAM(screen.x, screen.y));
     return true;
   }
   PostMessageA(target, WM_LBUTTONDOWN, keys | MK_LBUTTON, at);
@@ -335,6 +342,40 @@ bool ScriptRunner::Click(const ScriptStep& step, std::string& error) {
   if (step.verb == "dblclick") {
     PostMessageA(target, WM_LBUTTONDBLCLK, keys | MK_LBUTTON, at);
     PostMessageA(target, WM_LBUTTONUP, keys, at);
+  }
+  return true;
+}
+
+bool ScriptRunner::RightClick(const ScriptStep& step, std::string& error) {
+  if (!Click(step, error)) return false;
+  MenuRun run;
+  run.action = step.verb == "menu" ? MenuAction::Pick : step.verb == "menu-screenshot" ? MenuAction::Show
+                                                                                        : MenuAction::Close;
+  if (run.action != MenuAction::Close) run.path = ParseMenuPath(step.args[2]);
+  // A right click off the bar opens nothing, and that is no failure of `rclick`.
+  const int timeout = run.action == MenuAction::Close ? 1500 : 20000;
+  const bool driven = DriveMenu(run, demo_.Frame(), timeout, [this](int ms) { demo_.Pump(ms); });
+  if (run.opened) log_ << "    popup menu of " << run.topEntries << " entries" << std::endl;
+  if (run.action == MenuAction::Close) return true;
+  if (!driven) {
+    error = run.error;
+    return false;
+  }
+  if (!run.tipText.empty()) {
+    log_ << "    menu tip at " << run.tipAt.x << "," << run.tipAt.y << " beside the entry at "
+         << run.itemRect.left << "," << run.itemRect.top << "-" << run.itemRect.right << ": "
+         << text::ToUtf8(run.tipText) << std::endl;
+  }
+  lastMenu_ = run;
+  if (run.action == MenuAction::Show) {
+    const std::string& name = step.args[3];
+    const bool absolute = name.size() > 1 && (name[1] == ':' || name[0] == '\\' || name[0] == '/');
+    const std::string path = absolute || outputFolder_.empty() ? name : outputFolder_ + "\\" + name;
+    if (!run.shot || !WritePicture(*run.shot, path, error)) {
+      if (error.empty()) error = "menu-screenshot: no picture was taken";
+      return false;
+    }
+    log_ << "    screenshot " << path << " (" << run.shot->width << "x" << run.shot->height << ")" << std::endl;
   }
   return true;
 }

@@ -9,6 +9,7 @@
 
 #include "demo_host.h"
 #include "image_file.h"
+#include "menu_driver.h"
 
 namespace tavlet::demo {
 
@@ -45,10 +46,14 @@ class ScriptRunner {
   // Runs every step; stops at the first that fails, with "FILE:LINE: ..." in `error`.
   bool Run(std::string& error);
   bool QuitRequested() const { return quit_; }
+  // What the last `menu` or `menu-screenshot` step saw (the tip, the entry).
+  const MenuRun& LastMenu() const { return lastMenu_; }
 
  private:
   bool Step(const ScriptStep& step, std::string& error);
   bool Click(const ScriptStep& step, std::string& error);
+  // rclick, menu and menu-screenshot: the right click, then the popup driven.
+  bool RightClick(const ScriptStep& step, std::string& error);
   bool CheckBar(const ScriptStep& step, std::string& error);
   std::string Resolve(const std::string& path) const;
 
@@ -59,6 +64,7 @@ class ScriptRunner {
   std::optional<Picture> shot_;
   RECT shotRect_{};
   bool quit_ = false;
+  MenuRun lastMenu_;
 };
 
 // The strip window of the bar in this process, or null.

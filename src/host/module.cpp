@@ -59,6 +59,7 @@ TavletModule::~TavletModule() {
   if (watching_) session_.EditorService()->RemoveWatcher(this);
   mdiHook_.reset();
   commandHook_.reset();
+  menu_.reset();
   bar_.reset();
   application_ = {};
   SetCurrentSession(nullptr);
@@ -114,6 +115,10 @@ void TavletModule::Init(void* pkt) {
                                                               *services_.display, *services_.worksets,
                                                               application_, frame_, on_});
       bar_->CreateBar();
+      menu_ = std::make_unique<menus::BarMenu>(menus::BarMenuServices{
+          session_, application_, windows, store_, *services_.files, *bar_, services_.shell, services_.user,
+          services_.layoutChooser, nullptr,
+          menus::MenuDialogs{[this] { OnAbout(); }, [this] { OnOptions(); }, nullptr}});
       mdiHook_ = std::make_unique<FrameAreaHook>(windows, *bar_, on_);
       mdiHook_->Attach(frame_.mdiClient);
       commandHook_ = std::make_unique<FrameAreaHook>(windows, *bar_, on_);
@@ -152,6 +157,7 @@ void TavletModule::Unload() {
     if (!quitting) (*hook)->Detach();
     hook->reset();
   }
+  menu_.reset();
   if (bar_) {
     bar_->DestroyBar();
     if (!quitting) NudgeFrame(windows, frame_.frame);

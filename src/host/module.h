@@ -16,6 +16,7 @@
 #include "host/port/host_session.h"
 #include "host/port_ptr.h"
 #include "host/window_system.h"
+#include "menus/bar_menu.h"
 #include "platform/file_system.h"
 #include "settings/settings_store.h"
 #include "settings/settings_table.h"
@@ -39,6 +40,10 @@ struct ModuleServices {
   // TLOPTIONS and TLABOUT: the dialogs, when the window side provides them.
   std::function<void()> preferencesDialog;
   std::function<void()> aboutBox;
+  // The right-click menu's desktop parts; none: the menu does without them.
+  operations::OperationShell* shell = nullptr;
+  UserEnvironment* user = nullptr;
+  content::LayoutChooser* layoutChooser = nullptr;
 };
 
 // Copied; must be set before the load message.
@@ -64,6 +69,8 @@ class TavletModule final : private port::WindowMessageWatcher {
 
   bool On() const { return on_; }
   bar::BarModel* Bar() const { return bar_.get(); }
+  // The bar's menu and the operations behind it; null without a bar.
+  menus::BarMenu* Menu() const { return menu_.get(); }
   ArxModule& Arx() { return arx_; }
   const SettingsStore& Store() const { return store_; }
   const bar::FrameHandles& Frame() const { return frame_; }
@@ -85,6 +92,7 @@ class TavletModule final : private port::WindowMessageWatcher {
   AcadApplicationPtr application_;
   bar::FrameHandles frame_;
   std::unique_ptr<bar::BarModel> bar_;
+  std::unique_ptr<menus::BarMenu> menu_;
   std::unique_ptr<FrameAreaHook> mdiHook_;
   std::unique_ptr<FrameAreaHook> commandHook_;
   PortPtr<port::SheetSetManager> sheetSets_;

@@ -10,6 +10,7 @@
 #include "host/module.h"
 #include "platform/win32/bar/mv_tavlet_win32.h"
 #include "platform/win32/dib_paint.h"
+#include "platform/win32/operations/shell_win32.h"
 #include "platform/win32/raster_gdi.h"
 #include "platform/win32/registry_backend_win32.h"
 #include "platform/win32/ui/about_box_win32.h"
@@ -37,10 +38,15 @@ std::string ModulePath() {
 // What the module is given at load and takes down at unload.
 struct LoadedModule {
   explicit LoadedModule(port::HostSession& session)
-      : windows(ModuleInstance()), display(CommandWindowWidth(session)) {}
+      : windows(ModuleInstance()),
+        display(CommandWindowWidth(session)),
+        shell(CreateWin32OperationShell(ModuleInstance())),
+        user(ModuleInstance()) {}
   Win32WindowSystem windows;
   Win32Registry registry;
   Win32DisplayDefaults display;
+  std::unique_ptr<operations::OperationShell> shell;
+  Win32UserEnvironment user;
 };
 
 std::unique_ptr<LoadedModule>& Loaded() {
@@ -57,14 +63,22 @@ void Load(void* pkt, port::HostSession& session) {
   UseGlobalMemoryForDibs();
   InstallGdiTextMask();
   LoadAlphaBlend();
-  RegisterBarWindows(module.windows, [] {
-    host::TavletModule* running = host::CurrentModule();
-    return running ? running->Bar() : nullptr;
-  });
+  RegisterBarWindows(
+      module.windows,
+      [] {
+        host::TavletModule* running = host::CurrentModule();
+        return running ? running->Bar() : nullptr;
+      },
+      [] {
+        host::TavletModule* running = host::CurrentModule();
+        return running ? running->Menu() : nullptr;
+      });
   host::ModuleServices services;
   services.windows = &module.windows;
   services.registry = &module.registry;
   services.display = &module.display;
+  services.shell = module.shell.get();
+  services.user = &module.user;
   services.modulePath = ModulePath();
   services.aboutBox = [] {
     host::TavletModule* running = host::CurrentModule();

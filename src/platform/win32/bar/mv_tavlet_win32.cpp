@@ -2,7 +2,6 @@
 
 #include <commctrl.h>
 
-#include <cstdio>
 #include <string>
 
 #include "bar/strip_actions.h"
@@ -32,10 +31,6 @@ LPCSTR CursorId(bar::GripCursor cursor) {
 }
 
 constexpr UINT kResyncTabs = WM_APP + 0x54;
-
-constexpr char kNoWorkset[] = "还没有打开工作!";
-constexpr char kNoRecentFiles[] = "最近文件使用列表中没有文件!";
-constexpr char kRecentFileMissing[] = "Unable to find last opened drawing -\n%s";
 
 // The floating frame's placement as the settings store saves and restores it.
 class FramePlacement final : public WindowPort {
@@ -72,6 +67,22 @@ LRESULT MvTavletWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
     case kWmAcadKeepFocus:
       return 1;
+    case WM_CONTEXTMENU:
+      OnContextMenu({static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))});
+      return 0;
+    case WM_COMMAND:
+      // Only the menu's choices: no control of the bar sends commands.
+      if (lParam == 0 && HIWORD(wParam) == 0) {
+        if (menus::BarMenu* menu = Menu()) menu->Menu().OnCommand(LOWORD(wParam));
+        return 0;
+      }
+      break;
+    case WM_MENUSELECT: {
+      const LRESULT result = Default();
+      if (menus::BarMenu* menu = Menu())
+        popup_.OnMenuSelect(menu->Menu(), LOWORD(wParam), HIWORD(wParam), reinterpret_cast<HMENU>(lParam));
+      return result;
+    }
     case kResyncTabs:
       if (HWND tabs = H(bar_.TabWindow())) SyncTabControl(tabs, bar_.Tabs());
       return 0;
@@ -208,26 +219,35 @@ void MvTavletWindow::OnLButtonUp(UINT, int, int) {
 }
 
 void MvTavletWindow::OnLButtonDblClk(UINT flags, int, int) {
-  if (bar::OnBarDoubleClick(flags) == bar::BarDoubleClick::LastWorkset) {
-    if (ReadString(bar_.Store(), keys::LastWorkset).empty()) ShowBox(kNoWorkset);
-    return;
-  }
-  RecentFileList& recent = bar_.RecentFiles();
-  if (recent.Count() == 0) {
-    ShowBox(kNoRecentFiles);
-    return;
-  }
-  const std::string path = recent.At(0);
-  if (GetFileAttributesA(path.c_str()) == INVALID_FILE_ATTRIBUTES) {
-    std::string text(sizeof kRecentFileMissing + path.size(), '\0');
-    text.resize(static_cast<std::size_t>(std::snprintf(text.data(), text.size(), kRecentFileMissing, path.c_str())));
-    ShowBox(text);
-  }
+  if (menus::BarMenu* menu = Menu()) menu->OnDoubleClick(flags);
 }
 
-void MvTavletWindow::ShowBox(const std::string& text) {
-  long answer = 0;
-  bar_.Session().Boxes()->Show(text.c_str(), port::kBoxOk, &answer);
+port::Document MvTavletWindow::DocumentAt(POINT screen) {
+  if (bar_.TabMode()) {
+    HWND tabs = H(bar_.TabWindow());
+    if (!tabs) return nullptr;
+    TCHITTESTINFO hit{};
+    hit.pt = screen;
+    ScreenToClient(tabs, &hit.pt);
+    const auto index = static_cast<int>(SendMessageA(tabs, TCM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit)));
+    const auto& items = bar_.Tabs().Tabs();
+    return index >= 0 && static_cast<std::size_t>(index) < items.size() ? items[static_cast<std::size_t>(index)].document
+                                                                        : nullptr;
+  }
+  HWND strip = H(bar_.StripWindow());
+  if (!strip) return nullptr;
+  static const UINT documentAt = RegisterWindowMessageA(kDocumentAtMessage);
+  POINT client = screen;
+  ScreenToClient(strip, &client);
+  return reinterpret_cast<port::Document>(SendMessageA(strip, documentAt, 0, MAKELPARAM(client.x, client.y)));
+}
+
+void MvTavletWindow::OnContextMenu(POINT screen) {
+  menus::BarMenu* menu = Menu();
+  if (!menu) return;
+  // From the keyboard the point is (-1, -1): the menu opens at the pointer.
+  if (screen.x == -1 && screen.y == -1) GetCursorPos(&screen);
+  popup_.Track(hwnd(), menu->Menu(), DocumentAt(screen), screen);
 }
 
 // ---------------------------------------------------------------- FloatFrame
@@ -289,11 +309,12 @@ void FloatFrameWindow::FitBar() {
 
 // ---------------------------------------------------------------- factories
 
-void RegisterBarWindows(Win32WindowSystem& windows, std::function<bar::BarModel*()> currentBar) {
-  windows.SetFactory("MvTavlet", [currentBar](const host::WindowCreation& c) -> port::Window {
+void RegisterBarWindows(Win32WindowSystem& windows, std::function<bar::BarModel*()> currentBar,
+                        CurrentMenu currentMenu) {
+  windows.SetFactory("MvTavlet", [currentBar, currentMenu](const host::WindowCreation& c) -> port::Window {
     bar::BarModel* bar = currentBar();
     if (!bar) return nullptr;
-    auto* window = new MvTavletWindow(*bar);
+    auto* window = new MvTavletWindow(*bar, currentMenu);
     HWND hwnd = window->Make(c);
     if (!hwnd) delete window;
     return W(hwnd);

@@ -9,17 +9,23 @@
 
 #include "bar/bar_model.h"
 #include "bar/docking.h"
-#include "platform/win32/window.h"
+#include "menus/bar_menu.h"
 #include "platform/win32/host/window_system_win32.h"
+#include "platform/win32/menus/context_menu_win32.h"
+#include "platform/win32/window.h"
 
 namespace tavlet::win32 {
 
 // Sent by the host to keep the focus off its command line while a bar is used.
 inline constexpr UINT kWmAcadKeepFocus = 0x7101;
 
+// The running module's menu, looked up at each use since the module makes it
+// after the bar's windows.
+using CurrentMenu = std::function<menus::BarMenu*()>;
+
 class MvTavletWindow final : public OwnedByWindow {
  public:
-  explicit MvTavletWindow(bar::BarModel& bar) : bar_(bar) {}
+  MvTavletWindow(bar::BarModel& bar, CurrentMenu menu) : bar_(bar), menu_(std::move(menu)) {}
   HWND Make(const host::WindowCreation& creation);
   bool Sizing() const { return grip_.Sizing(); }
 
@@ -36,13 +42,18 @@ class MvTavletWindow final : public OwnedByWindow {
   void OnClose() override {}  // the bar cannot be closed by a message
 
  private:
-  void ShowBox(const std::string& text);
   // Shows where the drag would put the bar's edge: a dotted frame drawn by
   // inversion on the screen, drawn again to erase it.
   void TrackDrag(long thickness);
   void EndTracking();
+  void OnContextMenu(POINT screen);
+  // The drawing under `screen`: the tab's in tab mode, else the cell's; null on empty bar.
+  port::Document DocumentAt(POINT screen);
+  menus::BarMenu* Menu() const { return menu_ ? menu_() : nullptr; }
 
   bar::BarModel& bar_;
+  CurrentMenu menu_;
+  ContextMenuPopup popup_;
   bar::GripSizing grip_;
   bool tracking_ = false;
   RECT tracked_{};
@@ -69,6 +80,7 @@ class FloatFrameWindow final : public OwnedByWindow {
 
 // Window kinds "MvTavlet", "PreviewStrip", "TabStrip" and "FloatFrame", made
 // for the bar that `currentBar` gives at the moment of creation.
-void RegisterBarWindows(Win32WindowSystem& windows, std::function<bar::BarModel*()> currentBar);
+void RegisterBarWindows(Win32WindowSystem& windows, std::function<bar::BarModel*()> currentBar,
+                        CurrentMenu currentMenu = {});
 
 }  // namespace tavlet::win32

@@ -44,6 +44,7 @@ int PreviewStripWindow::OnCreate(CREATESTRUCTA&) {
   LOGFONTA font = ToLogFont(bar_.Settings().LabelFont);
   labelFont_ = GdiObject<HFONT>(CreateFontIndirectA(&font));
   cellRectMessage_ = RegisterWindowMessageA(kCellRectMessage);
+  documentAtMessage_ = RegisterWindowMessageA(kDocumentAtMessage);
   bar_.onStripLayout = [this] { Layout(); };
   return 0;
 }
@@ -89,6 +90,10 @@ LRESULT PreviewStripWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam
     if (wParam >= entries.size() || !lParam) return 0;
     *reinterpret_cast<RECT*>(lParam) = ToRect(entries[wParam]->itemRect);
     return 1;
+  }
+  if (message == documentAtMessage_ && documentAtMessage_ != 0) {
+    const long x = static_cast<short>(LOWORD(lParam)), y = static_cast<short>(HIWORD(lParam));
+    return reinterpret_cast<LRESULT>(layout_.DocumentAt(bar_.Strip(), x, y));
   }
   return Window::OnMessage(message, wParam, lParam);
 }

@@ -17,6 +17,10 @@ namespace tavlet::win32 {
 // strip's client coordinates; the answer is 1 when there is such an entry.
 inline constexpr char kCellRectMessage[] = "Tavlet.PreviewStrip.CellRect";
 
+// The bar's hit test of a right click: lParam is a point in the strip's client
+// coordinates; the answer is the drawing of the cell there, or 0.
+inline constexpr char kDocumentAtMessage[] = "Tavlet.PreviewStrip.DocumentAt";
+
 // The frames of a cell: the active drawing's, and every other's.
 inline constexpr COLORREF kActiveCellFrame = RGB(0, 84, 227);
 inline constexpr COLORREF kCellFrame = RGB(96, 96, 96);
@@ -51,6 +55,7 @@ class PreviewStripWindow final : public OwnedByWindow {
   HWND horizontalBar_ = nullptr;
   GdiObject<HFONT> labelFont_;
   UINT cellRectMessage_ = 0;
+  UINT documentAtMessage_ = 0;
 };
 
 }  // namespace tavlet::win32
