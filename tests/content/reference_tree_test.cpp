@@ -33,10 +33,10 @@ class ReferenceTreeTest : public ::testing::Test {
     host.OpenDescription(
         Utf8(u8"tavlet-drawing 1\npath \"D:\\项目\\平面.dwg\"\n"
              u8"xref \"S\" \"D:\\项目\\总图.dwg\" resolved\nimage \"Model\" \"D:\\p\\a.jpg\"\n"
-             u8"entity \"Model\" hyperlink \"D:\\h\\Spec.pdf\"\npicture 1 1 background 0\n"),
+             u8"entity \"Model\" hyperlink \"D:\\h\\Notes.pdf\"\npicture 1 1 background 0\n"),
         "a.tdd");
     host.OpenDescription(
-        "tavlet-drawing 1\npath \"C:\\b.dwg\"\nentity \"Model\" hyperlink \"d:\\h\\spec.PDF\" "
+        "tavlet-drawing 1\npath \"C:\\b.dwg\"\nentity \"Model\" hyperlink \"d:\\h\\notes.PDF\" "
         "hyperlink \"http://x\"\npicture 1 1 background 0\n",
         "b.tdd");
     host.OpenDescription("tavlet-drawing 1\npath \"C:\\empty.dwg\"\npicture 1 1 background 0\n",
@@ -56,10 +56,10 @@ TEST_F(ReferenceTreeTest, OneRootPerDrawingWithOnlyTheKindsItHas) {
       Utf8(u8"  [ ] 图像"),
       "    [ ] a.jpg = D:\\p\\a.jpg",
       Utf8(u8"  [ ] 超链接"),
-      "    [ ] Spec.pdf = D:\\h\\Spec.pdf",
+      "    [ ] Notes.pdf = D:\\h\\Notes.pdf",
       "[ ] b.dwg",
       Utf8(u8"  [ ] 超链接"),
-      "    [ ] spec.PDF = d:\\h\\spec.PDF",
+      "    [ ] notes.PDF = d:\\h\\notes.PDF",
       "    [ ] x = http://x",
       "[ ] empty.dwg",
   };
@@ -73,7 +73,7 @@ TEST_F(ReferenceTreeTest, ClicksFlipMarksDownTheTreeAndOkTakesEachTickedFileOnce
   ToggleCheck(tree[1]);                          // the second drawing, all of it
   ToggleCheck(tree[0].children[2]);              // the first one's hyperlinks
   ToggleCheck(tree[0].children[0].children[0]);  // its reference
-  EXPECT_EQ(Ticked(tree), (std::vector<std::string>{Utf8(u8"D:\\项目\\总图.dwg"), "D:\\h\\Spec.pdf",
+  EXPECT_EQ(Ticked(tree), (std::vector<std::string>{Utf8(u8"D:\\项目\\总图.dwg"), "D:\\h\\Notes.pdf",
                                                     "http://x"}));
   ToggleCheck(tree[1].children[0]);  // flips the kind and its items back
   EXPECT_FALSE(tree[1].children[0].children[1].checked);
