@@ -117,7 +117,7 @@ void TavletModule::Init(void* pkt) {
       bar_->CreateBar();
       menu_ = std::make_unique<menus::BarMenu>(menus::BarMenuServices{
           session_, application_, windows, store_, *services_.files, *bar_, services_.shell, services_.user,
-          services_.layoutChooser, nullptr,
+          services_.layoutChooser, services_.sheetSetDialog,
           menus::MenuDialogs{[this] { OnAbout(); }, [this] { OnOptions(); }, nullptr}});
       mdiHook_ = std::make_unique<FrameAreaHook>(windows, *bar_, on_);
       mdiHook_->Attach(frame_.mdiClient);

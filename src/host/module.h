@@ -44,6 +44,7 @@ struct ModuleServices {
   operations::OperationShell* shell = nullptr;
   UserEnvironment* user = nullptr;
   content::LayoutChooser* layoutChooser = nullptr;
+  sheetsets::SheetSetDialogRunner* sheetSetDialog = nullptr;
 };
 
 // Copied; must be set before the load message.
@@ -78,6 +79,7 @@ class TavletModule final : private port::WindowMessageWatcher {
   const FrameAreaHook* CommandHostHook() const { return commandHook_.get(); }
   bool HasApplication() const { return static_cast<bool>(application_); }
   bool HasSheetSetManager() const { return static_cast<bool>(sheetSets_); }
+  port::SheetSetManager* SheetSetManager() const { return sheetSets_.Get(); }
 
  private:
   void TAVLET_PORT_CALL Message(port::Window window, unsigned int message, unsigned long long wParam,
