@@ -15,6 +15,7 @@
 #include "platform/win32/registry_backend_win32.h"
 #include "platform/win32/ui/about_box_win32.h"
 #include "platform/win32/window.h"
+#include "platform/win32/worksets/workset_manager_win32.h"
 #include "platform/win32/host/window_system_win32.h"
 
 namespace tavlet::win32 {
@@ -84,11 +85,16 @@ void Load(void* pkt, port::HostSession& session) {
     host::TavletModule* running = host::CurrentModule();
     ShowAboutBox(running ? reinterpret_cast<HWND>(running->Frame().frame) : nullptr);
   };
+  services.worksetManager = [] {
+    host::TavletModule* running = host::CurrentModule();
+    if (running) ShowWorksetManager(reinterpret_cast<HWND>(running->Frame().frame));
+  };
   host::SetModuleServices(services);
   TavletEntry(host::kInitAppMsg, pkt, &session);
 }
 
 void Unload(port::HostSession& session) {
+  CloseWorksetManagers();
   TavletEntry(host::kUnloadAppMsg, nullptr, &session);
   UnloadAlphaBlend();
   // A class keeps this DLL's window procedure: it must go before the DLL does.
