@@ -66,16 +66,11 @@ void TypeInto(HWND control, const std::string& text) {
   SetFocus(target);
   SendMessageA(target, EM_SETSEL, 0, -1);
   SendMessageA(target, WM_CHAR, VK_BACK, 0);
-  // Code page 936 bytes arrive as the system gives them: a lead byte's character whole.
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const auto byte = static_cast<unsigned char>(text[i]);
-    if (byte >= 0x81 && byte <= 0xFE && i + 1 < text.size()) {
-      SendMessageA(target, WM_CHAR, byte, 0);
-      SendMessageA(target, WM_CHAR, static_cast<unsigned char>(text[++i]), 0);
-    } else {
-      SendMessageA(target, WM_CHAR, byte, 0);
-    }
-  }
+  // As an input method gives them: whole characters, converted from code page 936.
+  const int length = MultiByteToWideChar(936, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
+  std::wstring wide(static_cast<std::size_t>(length > 0 ? length : 0), L'\0');
+  if (length > 0) MultiByteToWideChar(936, 0, text.data(), static_cast<int>(text.size()), wide.data(), length);
+  for (wchar_t c : wide) SendMessageW(target, WM_CHAR, c, 0);
 }
 
 bool ClickHeader(HWND list, int column, std::string& error) {
@@ -156,6 +151,7 @@ bool RunDialogStep(const DialogStepContext& context, const ScriptStep& step, std
     context.log << "    dialog size " << r.right - r.left << "x" << r.bottom - r.top << std::endl;
   } else if (action == "screenshot") {
     if (!needs(3)) return false;
+    SetForegroundWindow(dialog);
     RedrawWindow(dialog, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW | RDW_FRAME);
     context.demo.Pump(200);
     const Picture shot = CaptureWindow(dialog);
@@ -179,6 +175,15 @@ bool RunWorksetsStep(const DialogStepContext& context, const ScriptStep& step, s
   if (args[0] == "new") {
     const std::string path = context.outputFolder.empty() ? args[1] : context.outputFolder + "\\" + args[1];
     DeleteFileA(path.c_str());
+    if (args.size() == 3) {
+      bool found = false;
+      const std::string start = ReadAll(context.resolve(args[2]), found);
+      if (!found) {
+        error = "worksets: no such file '" + args[2] + "'";
+        return false;
+      }
+      std::ofstream(path, std::ios::binary) << start;
+    }
     if (!WriteString(store, keys::WorksetsPath, path)) {
       error = "worksets: cannot write the setting of the worksets file";
       return false;
@@ -187,7 +192,7 @@ bool RunWorksetsStep(const DialogStepContext& context, const ScriptStep& step, s
     return true;
   }
   if (args[0] != "check") {
-    error = "worksets: expected 'new NAME' or 'check EXPECTED'";
+    error = "worksets: expected 'new NAME [FROM]' or 'check EXPECTED'";
     return false;
   }
   bool haveActual = false, haveExpected = false;

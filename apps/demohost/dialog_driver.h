@@ -7,7 +7,8 @@
 //   dialog TITLE size W H         drags the bottom-right corner to W by H (the minimum applies)
 //   dialog TITLE screenshot PATH  the dialog's pixels as .png or .bmp
 //   dialog TITLE close            closes it as its close box does
-//   worksets new NAME             points the worksets file at NAME in the output folder, emptied
+//   worksets new NAME [FROM]      points the worksets file at NAME in the output folder, holding
+//                                 what FROM (beside the script) holds, or nothing
 //   worksets check EXPECTED       compares the worksets file byte for byte with EXPECTED
 //
 // TITLE is the dialog's caption; every dialog of this process is looked at.

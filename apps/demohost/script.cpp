@@ -41,7 +41,7 @@ const std::map<std::string, Verb>& Verbs() {
       {"load", {0, 0, "load"}},
       {"quit", {0, 0, "quit"}},
       {"dialog", {2, 4, "dialog TITLE type|select|click|header|size|screenshot|close [ARGS]"}},
-      {"worksets", {2, 2, "worksets new NAME | worksets check EXPECTED"}},
+      {"worksets", {2, 3, "worksets new NAME [FROM] | worksets check EXPECTED"}},
   };
   return verbs;
 }

@@ -226,5 +226,22 @@ TEST_F(WorksetManagerOnFrame, AScriptedSessionLeavesTheFileAsExpectedAndThePlace
                                     ",0\r\n");
 }
 
+// The demo's own script, as scripts/demohost.sh runs it, ends with its byte-for-byte check.
+TEST(WorksetManagerScript, RunsToItsEndWithTheExpectedWorksetsFile) {
+  RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\Morvane");
+  {
+    DemoHost demo(WinePath(TAVLET_ARX_PATH), false);
+    ASSERT_TRUE(demo.CreateFrame(900, 700)) << "no display";
+    std::string error;
+    ASSERT_TRUE(demo.LoadModule(error, true)) << error;
+    Script script;
+    ASSERT_TRUE(script.Load(WinePath(TAVLET_SOURCE_DIR) + "\\apps\\demohost\\worksets.script", error)) << error;
+    std::ostringstream log;
+    ScriptRunner runner(demo, script, log, testing::MakeTempFolder("worksets-script"));
+    EXPECT_TRUE(runner.Run(error)) << error << "\n" << log.str();
+  }
+  RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\Morvane");
+}
+
 }  // namespace
 }  // namespace tavlet::demo
