@@ -5,6 +5,7 @@
 #include <map>
 #include <sstream>
 
+#include "dialog_driver.h"
 #include "menu_driver.h"
 #include "text/codepage.h"
 #include "platform/win32/bar/preview_strip_win32.h"
@@ -39,6 +40,8 @@ const std::map<std::string, Verb>& Verbs() {
       {"unload", {0, 0, "unload"}},
       {"load", {0, 0, "load"}},
       {"quit", {0, 0, "quit"}},
+      {"dialog", {2, 4, "dialog TITLE type|select|click|header|size|screenshot|close [ARGS]"}},
+      {"worksets", {2, 3, "worksets new NAME [FROM] | worksets check EXPECTED"}},
   };
   return verbs;
 }
@@ -298,6 +301,9 @@ bool ScriptRunner::Step(const ScriptStep& step, std::string& error) {
     if (!demo_.LoadModule(error)) return false;
   } else if (verb == "quit") {
     quit_ = true;
+  } else if (verb == "dialog" || verb == "worksets") {
+    const DialogStepContext context{demo_, [this](const std::string& p) { return Resolve(p); }, outputFolder_, log_};
+    return verb == "dialog" ? RunDialogStep(context, step, error) : RunWorksetsStep(context, step, error);
   }
   return true;
 }

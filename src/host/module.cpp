@@ -118,7 +118,7 @@ void TavletModule::Init(void* pkt) {
       menu_ = std::make_unique<menus::BarMenu>(menus::BarMenuServices{
           session_, application_, windows, store_, *services_.files, *bar_, services_.shell, services_.user,
           services_.layoutChooser, services_.sheetSetDialog,
-          menus::MenuDialogs{[this] { OnAbout(); }, [this] { OnOptions(); }, nullptr}});
+          menus::MenuDialogs{[this] { OnAbout(); }, [this] { OnOptions(); }, [this] { OnManageWorksets(); }}});
       mdiHook_ = std::make_unique<FrameAreaHook>(windows, *bar_, on_);
       mdiHook_->Attach(frame_.mdiClient);
       commandHook_ = std::make_unique<FrameAreaHook>(windows, *bar_, on_);
@@ -173,6 +173,11 @@ void TavletModule::Unload() {
 void TavletModule::OnOptions() {
   ModuleResourceScope resources(*services_.windows);
   if (services_.preferencesDialog) services_.preferencesDialog();
+}
+
+void TavletModule::OnManageWorksets() {
+  ModuleResourceScope resources(*services_.windows);
+  if (services_.worksetManager) services_.worksetManager();
 }
 
 void TavletModule::OnAbout() {

@@ -40,6 +40,8 @@ struct ModuleServices {
   // TLOPTIONS and TLABOUT: the dialogs, when the window side provides them.
   std::function<void()> preferencesDialog;
   std::function<void()> aboutBox;
+  // The menu's "管理...": the workset manager, when the window side provides it.
+  std::function<void()> worksetManager;
   // The right-click menu's desktop parts; none: the menu does without them.
   operations::OperationShell* shell = nullptr;
   UserEnvironment* user = nullptr;
@@ -67,6 +69,8 @@ class TavletModule final : private port::WindowMessageWatcher {
   void OnOn();
   void OnCenter();
   void OnCommandCenter();
+  // The context menu's "管理...".
+  void OnManageWorksets();
 
   bool On() const { return on_; }
   bar::BarModel* Bar() const { return bar_.get(); }

@@ -45,6 +45,7 @@ class BarMenu {
   ContextMenu& Menu() { return *menu_; }
   operations::DrawingOperations& Operations() { return *operations_; }
   WorksetStore& Worksets() { return *worksets_; }
+  sheetsets::SheetSetCommands& SheetSets() { return *sheetSets_; }
 
   // WM_LBUTTONDBLCLK on the bar: with Ctrl the last workset, else the newest
   // recent file.

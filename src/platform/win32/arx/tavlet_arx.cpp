@@ -17,6 +17,7 @@
 #include "platform/win32/sheetsets/sheet_set_dialog_win32.h"
 #include "platform/win32/ui/about_box_win32.h"
 #include "platform/win32/window.h"
+#include "platform/win32/worksets/workset_manager_win32.h"
 #include "platform/win32/host/window_system_win32.h"
 
 namespace tavlet::win32 {
@@ -114,11 +115,13 @@ void Load(void* pkt, port::HostSession& session) {
   services.sheetSetDialog = &module.sheetSetDialog;
   services.modulePath = ModulePath();
   services.aboutBox = [] { ShowAboutBox(HostFrame()); };
+  services.worksetManager = [] { ShowWorksetManager(HostFrame()); };
   host::SetModuleServices(services);
   TavletEntry(host::kInitAppMsg, pkt, &session);
 }
 
 void Unload(port::HostSession& session) {
+  CloseWorksetManagers();
   TavletEntry(host::kUnloadAppMsg, nullptr, &session);
   UnloadAlphaBlend();
   // A class keeps this DLL's window procedure: it must go before the DLL does.
