@@ -312,7 +312,7 @@ void PreferencesDialog::SetColor(int id, std::uint32_t color) {
   if (PageOf(id)) At(id).color = color;
 }
 
-void PreferencesDialog::ChooseFont(const LogFontA& chosen) {
+void PreferencesDialog::TakeChosenFont(const LogFontA& chosen) {
   if (FontButtonEditsTabFont()) {
     tabFont = chosen;
     flags.tabFontChanged = true;

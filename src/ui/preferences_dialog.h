@@ -179,10 +179,10 @@ class PreferencesDialog {
   // The colour chooser's answer for a colour button.
   void SetColor(int id, std::uint32_t color);
   // The font the chooser starts on: tabFont while the tabs radio is chosen,
-  // labelFont otherwise; the chooser's OK hands the chosen font to ChooseFont.
+  // labelFont otherwise; the chooser's OK hands the chosen font to TakeChosenFont.
   bool FontButtonEditsTabFont() const { return !Checked(pref::kPreviews); }
   const LogFontA& FontForChooser() const { return FontButtonEditsTabFont() ? tabFont : labelFont; }
-  void ChooseFont(const LogFontA& chosen);
+  void TakeChosenFont(const LogFontA& chosen);
 
   // ---- closing ----
   // Data exchange of both pages; on success each page's OK writes the bar's

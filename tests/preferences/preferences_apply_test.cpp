@@ -180,7 +180,7 @@ TEST_F(PreferencesCommandTest, CancelChangesNothingButLastTab) {
     d.Click(2058);
     d.Click(2029);
     d.Type(2019, "17");
-    d.ChooseFont(LogFontA{});
+    d.TakeChosenFont(LogFontA{});
     d.currentTab = 1;
   };
   answerOk = false;
@@ -223,7 +223,7 @@ TEST_F(PreferencesCommandTest, OkAppliesEachChangeToTheRunningBarAndStoresIt) {
   chosen.lfHeight = -20;
   std::strcpy(chosen.lfFaceName, "Arial");
   script = [&](PreferencesDialog& d) {
-    d.ChooseFont(chosen);  // in preview mode: the label font
+    d.TakeChosenFont(chosen);  // in preview mode: the label font
     d.Click(3004);
     d.Click(3008);
     d.Click(2058);

@@ -188,13 +188,13 @@ TEST(PreferencesDialogTest, ColoursAndFontsGoToTheirCopies) {
   // The font button edits labelFont in preview mode, tabFont in tab mode.
   PreferencesDialog fonts(before, 0, display);
   EXPECT_FALSE(fonts.FontButtonEditsTabFont());
-  fonts.ChooseFont(Font("Arial", -16));
+  fonts.TakeChosenFont(Font("Arial", -16));
   EXPECT_EQ(fonts.Text(2059), "Arial, 12 pt.");
   EXPECT_EQ(FlagNames(fonts.flags), "labelFont");
   fonts.Click(3004);
   EXPECT_TRUE(fonts.FontButtonEditsTabFont());
   EXPECT_EQ(fonts.Text(2059), FontLabelText(before.TabFont, 96));
-  fonts.ChooseFont(Font("Tahoma", -24));
+  fonts.TakeChosenFont(Font("Tahoma", -24));
   EXPECT_EQ(std::string(fonts.labelFont.lfFaceName), "Arial");
   EXPECT_EQ(std::string(fonts.tabFont.lfFaceName), "Tahoma");
   EXPECT_EQ(FlagNames(fonts.flags), "tabFont,labelFont");

@@ -13,6 +13,7 @@
 #include "platform/win32/operations/shell_win32.h"
 #include "platform/win32/raster_gdi.h"
 #include "platform/win32/registry_backend_win32.h"
+#include "platform/win32/settings/preferences_win32.h"
 #include "platform/win32/ui/about_box_win32.h"
 #include "platform/win32/window.h"
 #include "platform/win32/host/window_system_win32.h"
@@ -83,6 +84,12 @@ void Load(void* pkt, port::HostSession& session) {
   services.aboutBox = [] {
     host::TavletModule* running = host::CurrentModule();
     ShowAboutBox(running ? reinterpret_cast<HWND>(running->Frame().frame) : nullptr);
+  };
+  services.preferencesDialog = [] {
+    host::TavletModule* running = host::CurrentModule();
+    LoadedModule* loaded = Loaded().get();
+    if (running && loaded)
+      ShowPreferences(reinterpret_cast<HWND>(running->Frame().frame), loaded->registry, loaded->display);
   };
   host::SetModuleServices(services);
   TavletEntry(host::kInitAppMsg, pkt, &session);
