@@ -42,10 +42,11 @@ PreferencesWindow::PreferencesWindow(RegistryBackend& registry, std::string sett
   State().settingsSection = std::string(sections::PreferencesDlg);
 }
 
-bool PreferencesWindow::Run(HWND owner) {
+bool PreferencesWindow::Run(HWND owner, HINSTANCE resources) {
   INITCOMMONCONTROLSEX controls{sizeof controls, ICC_TAB_CLASSES};
   InitCommonControlsEx(&controls);
-  return DoModal(ModuleInstance(), IDD_PREFERENCES, owner) == IDOK;
+  resources_ = resources;
+  return DoModal(resources, IDD_PREFERENCES, owner) == IDOK;
 }
 
 bool PreferencesWindow::OnInitDialog() {
@@ -62,7 +63,7 @@ bool PreferencesWindow::OnInitDialog() {
     item.pszText = const_cast<char*>(titles[i]);
     SendMessageA(tabs_, TCM_INSERTITEMA, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&item));
     // Both pages are made now: OK reads a page the user never opened all the same.
-    pages_[i] = CreateDialogParamA(ModuleInstance(), MAKEINTRESOURCEA(kPageIds[i]), hwnd(), PageProcedure,
+    pages_[i] = CreateDialogParamA(resources_, MAKEINTRESOURCEA(kPageIds[i]), hwnd(), PageProcedure,
                                    reinterpret_cast<LPARAM>(this));
     if (pages_[i]) SetWindowPos(pages_[i], HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
   }
@@ -273,12 +274,15 @@ ui::BarWindowActions PreferencesWindowActions(bar::BarModel& bar) {
     SendMessageA(AsHwnd(bar.TabWindow()), WM_SETFONT, reinterpret_cast<WPARAM>(made.get()), TRUE);
     tabFont = std::move(made);
   };
-  // Not wired yet, the bar's windows being reworked: the strip makes its label
-  // font once, when it is created, and the tips read their settings when they
-  // are made. Both take them from bar.Settings(), which the dialog has already
-  // updated; until the strip and the tips take a new font and new tip settings
-  // on demand, these changes show from the next load. The strip's scroll
-  // position is its own in the same way.
+  // TODO(merge): three actions wait for the bar's windows, which are being
+  // reworked elsewhere. Each reads what the dialog has already put in
+  // bar.Settings():
+  //  - setLabelFont: PreviewStripWindow makes its label font once, in
+  //    OnCreate; it needs a call that makes it again from Settings().LabelFont
+  //    and lays the strip out.
+  //  - applyTipSettings: the bar window's ApplyTipSettings().
+  //  - resetStripScroll: the strip layout's scrollPos and scroll size to 0.
+  // Until then these changes are stored and show from the next load.
   actions.setLabelFont = nullptr;
   actions.applyTipSettings = nullptr;
   actions.resetStripScroll = nullptr;
@@ -297,7 +301,7 @@ void ShowPreferences(HWND owner, RegistryBackend& registry, DisplayDefaults& dis
                      PreferencesWindowActions(*module->Bar()),
                      [&](ui::PreferencesDialog& model, ui::PreferencesTarget& target) {
                        PreferencesWindow window(registry, module->Store().Root(), model, target);
-                       return window.Run(owner);
+                       return window.Run(owner, ModuleInstance());
                      });
 }
 

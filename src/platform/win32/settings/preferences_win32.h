@@ -18,8 +18,8 @@ class PreferencesWindow final : public ResizableDialog {
   PreferencesWindow(RegistryBackend& registry, std::string settingsRoot, ui::PreferencesDialog& model,
                     ui::PreferencesTarget& target);
 
-  // Modal over `owner`; true for OK.
-  bool Run(HWND owner);
+  // Modal over `owner`, from the templates in `resources`; true for OK.
+  bool Run(HWND owner, HINSTANCE resources);
   HWND Page(int index) const { return index >= 0 && index < 2 ? pages_[index] : nullptr; }
 
  protected:
@@ -42,6 +42,7 @@ class PreferencesWindow final : public ResizableDialog {
 
   ui::PreferencesDialog& model_;
   ui::PreferencesTarget& target_;
+  HINSTANCE resources_ = nullptr;
   HWND tabs_ = nullptr;
   HWND pages_[2] = {};
   bool syncing_ = false;
