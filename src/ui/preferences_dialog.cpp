@@ -96,6 +96,42 @@ constexpr std::array<std::pair<int, int>, 6> kDockRadios = {{
     {pref::kDockCommandRight, bar::kDockCommandRight},
 }};
 
+// The controls that show one setting each, as the data exchange binds them.
+template <typename Field>
+struct Binding {
+  int id;
+  Field BarSettings::*field;
+};
+constexpr Binding<int> kCheckBindings[] = {
+    {pref::kLoadOnCommand, &BarSettings::LoadOnCommand},
+    {pref::kSwitchOnBusy, &BarSettings::SwitchOnBusy},
+    {pref::kZoomExtentsOnSave, &BarSettings::ZoomExtentsOnSave},
+    {pref::kShowFullPathInRefs, &BarSettings::ShowFullPathInRefs},
+    {pref::kShowTips, &BarSettings::ShowTips},
+    {pref::kShowFullPathInTips, &BarSettings::ShowFullPathInTips},
+    {pref::kShowDwgPropsInTips, &BarSettings::ShowDwgPropsInTips},
+    {pref::kSortWorksets, &BarSettings::SortWorksets},
+    {pref::kShowFullPathInSheetSets, &BarSettings::ShowFullPathInSheetSets},
+    {pref::kHideOnSingle, &BarSettings::HideOnSingle},
+    {pref::kLockSize, &BarSettings::LockSize},
+    {pref::kShowDwgName, &BarSettings::ShowDwgName},
+    {pref::kDwgNameAbove, &BarSettings::DwgNameAbove},
+    {pref::kAutoUpdatePreviews, &BarSettings::AutoUpdatePreviews},
+    {pref::kScrollOverflow, &BarSettings::ScrollOverflow},
+};
+constexpr Binding<int> kNumberBindings[] = {
+    {pref::kTipWidth, &BarSettings::TipWidth},
+    {pref::kTipDelay, &BarSettings::TipDelay},
+    {pref::kTipRemain, &BarSettings::TipRemain},
+    {pref::kNumSheetSets, &BarSettings::NumSheetSets},
+    {pref::kScrollBarSize, &BarSettings::ScrollBarSize},
+};
+constexpr Binding<std::uint32_t> kColorBindings[] = {
+    {pref::kBackground, &BarSettings::Background}, {pref::kTitleBack, &BarSettings::TitleBack},
+    {pref::kTitleText, &BarSettings::TitleText},   {pref::kReadOnly, &BarSettings::ReadOnly},
+    {pref::kModified, &BarSettings::Modified},
+};
+
 // The numbers each page exchanges, in its order.
 constexpr std::array kGeneralNumbers = {pref::kTipWidth, pref::kTipDelay, pref::kTipRemain, pref::kNumSheetSets};
 constexpr std::array kDisplayNumbers = {pref::kScrollBarSize};
@@ -163,39 +199,16 @@ PreferencesDialog::PreferencesDialog(const BarSettings& bar, int lastTab, Displa
   for (int page : {kGeneralPageId, kDisplayPageId})
     for (const PreferenceControl& control : PageControls(page)) controls_[control.id].text = control.text;
 
-  // The general page's data exchange, then its opening.
-  At(pref::kLoadOnCommand).checked = bar.LoadOnCommand != 0;
-  At(pref::kSwitchOnBusy).checked = bar.SwitchOnBusy != 0;
-  At(pref::kZoomExtentsOnSave).checked = bar.ZoomExtentsOnSave != 0;
-  At(pref::kShowFullPathInRefs).checked = bar.ShowFullPathInRefs != 0;
-  At(pref::kShowTips).checked = bar.ShowTips != 0;
-  At(pref::kShowFullPathInTips).checked = bar.ShowFullPathInTips != 0;
-  At(pref::kShowDwgPropsInTips).checked = bar.ShowDwgPropsInTips != 0;
-  At(pref::kTipWidth).text = std::to_string(bar.TipWidth);
-  At(pref::kTipDelay).text = std::to_string(bar.TipDelay);
-  At(pref::kTipRemain).text = std::to_string(bar.TipRemain);
-  At(pref::kSortWorksets).checked = bar.SortWorksets != 0;
-  At(pref::kNumSheetSets).text = std::to_string(bar.NumSheetSets);
-  At(pref::kShowFullPathInSheetSets).checked = bar.ShowFullPathInSheetSets != 0;
+  // Both pages' data exchange, then their opening rules in the pages' order.
+  for (const auto& [id, field] : kCheckBindings) At(id).checked = bar.*field != 0;
+  for (const auto& [id, field] : kNumberBindings) At(id).text = std::to_string(bar.*field);
+  for (const auto& [id, field] : kColorBindings) At(id).color = bar.*field;
   Choose(bar.SortBy == 1 ? pref::kSortByName : bar.SortBy == 2 ? pref::kSortByPath : pref::kSortNone);
   // Shown but never changeable here: their values go back as they came.
   Enable({pref::kSheetSetsGroup, pref::kShowFullPathInSheetSets, pref::kNumSheetSetsLabel, pref::kNumSheetSets},
          false);
   TipsRule();
 
-  // The display page's.
-  At(pref::kHideOnSingle).checked = bar.HideOnSingle != 0;
-  At(pref::kLockSize).checked = bar.LockSize != 0;
-  At(pref::kShowDwgName).checked = bar.ShowDwgName != 0;
-  At(pref::kDwgNameAbove).checked = bar.DwgNameAbove != 0;
-  At(pref::kAutoUpdatePreviews).checked = bar.AutoUpdatePreviews != 0;
-  At(pref::kScrollOverflow).checked = bar.ScrollOverflow != 0;
-  At(pref::kScrollBarSize).text = std::to_string(bar.ScrollBarSize);
-  At(pref::kBackground).color = bar.Background;
-  At(pref::kTitleBack).color = bar.TitleBack;
-  At(pref::kTitleText).color = bar.TitleText;
-  At(pref::kReadOnly).color = bar.ReadOnly;
-  At(pref::kModified).color = bar.Modified;
   Choose(bar.Floating ? pref::kFloating : pref::kDocked);
   DockingRule();
   Choose(bar.TabMode > 0 ? pref::kTabs : pref::kPreviews);

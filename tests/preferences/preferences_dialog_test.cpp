@@ -281,6 +281,14 @@ TEST(PreferencesDialogTest, RulesEnableTheirControls) {
   EXPECT_TRUE(d.Checked(2040));
   d.Click(3003);
   for (int id : previewGroup) EXPECT_TRUE(d.Enabled(id)) << id;
+
+  // The preview rule enables the size even with the scroll bar off: kept as it is.
+  d.Click(2040);
+  EXPECT_FALSE(d.Enabled(2039));
+  d.Click(3004);
+  d.Click(3003);
+  EXPECT_FALSE(d.Checked(2040));
+  EXPECT_TRUE(d.Enabled(2039));
 }
 
 TEST(PreferencesDialogTest, TypedNumbersFollowTheDataExchange) {
