@@ -7,11 +7,18 @@
 #include <windows.h>
 
 #include <functional>
+#include <memory>
+#include <sstream>
 #include <string>
 #include <vector>
 
+#include "demohost/demo_host.h"
+#include "demohost/script.h"
+#include "platform/win32/registry_backend_win32.h"
 #include "platform/win32/settings/preferences_win32.h"
 #include "settings/memory_registry.h"
+#include "settings/settings_table.h"
+#include "support/test_paths.h"
 
 namespace tavlet::win32 {
 namespace {
@@ -62,50 +69,52 @@ void CALLBACK Tick(HWND, UINT, UINT_PTR, DWORD) {
   running->busy = false;
 }
 
-HWND FindPreferences() {
+// The searches of the dialog's windows: named procedures, as the system's
+// callbacks are __stdcall on i686.
+struct Search {
+  int id = 0;
+  HWND owner = nullptr;
   HWND found = nullptr;
-  EnumThreadWindows(
-      GetCurrentThreadId(),
-      [](HWND window, LPARAM out) -> BOOL {
-        char name[16] = {};
-        GetClassNameA(window, name, sizeof name);
-        if (lstrcmpA(name, "#32770") == 0 && IsWindowVisible(window) && GetDlgItem(window, 1000))
-          *reinterpret_cast<HWND*>(out) = window;
-        return TRUE;
-      },
-      reinterpret_cast<LPARAM>(&found));
-  return found;
+};
+
+BOOL CALLBACK FindPreferencesIn(HWND window, LPARAM param) {
+  char name[16] = {};
+  GetClassNameA(window, name, sizeof name);
+  if (lstrcmpA(name, "#32770") == 0 && IsWindowVisible(window) && GetDlgItem(window, 1000))
+    reinterpret_cast<Search*>(param)->found = window;
+  return TRUE;
+}
+
+BOOL CALLBACK FindOwnedIn(HWND window, LPARAM param) {
+  auto* search = reinterpret_cast<Search*>(param);
+  if (IsWindowVisible(window) && GetWindow(window, GW_OWNER) == search->owner) search->found = window;
+  return TRUE;
+}
+
+BOOL CALLBACK FindChildIn(HWND window, LPARAM param) {
+  auto* search = reinterpret_cast<Search*>(param);
+  if (GetDlgCtrlID(window) == search->id) search->found = window;
+  return search->found ? FALSE : TRUE;
+}
+
+HWND FindPreferences() {
+  Search search;
+  EnumThreadWindows(GetCurrentThreadId(), FindPreferencesIn, reinterpret_cast<LPARAM>(&search));
+  return search.found;
 }
 
 // A box the dialog owns, or null.
 HWND FindBox(HWND owner) {
-  struct Search {
-    HWND owner, found;
-  } search{owner, nullptr};
-  EnumThreadWindows(
-      GetCurrentThreadId(),
-      [](HWND window, LPARAM param) -> BOOL {
-        auto* s = reinterpret_cast<Search*>(param);
-        if (IsWindowVisible(window) && GetWindow(window, GW_OWNER) == s->owner) s->found = window;
-        return TRUE;
-      },
-      reinterpret_cast<LPARAM>(&search));
+  Search search;
+  search.owner = owner;
+  EnumThreadWindows(GetCurrentThreadId(), FindOwnedIn, reinterpret_cast<LPARAM>(&search));
   return search.found;
 }
 
 HWND Child(HWND dialog, int id) {
-  struct Search {
-    int id;
-    HWND found;
-  } search{id, nullptr};
-  EnumChildWindows(
-      dialog,
-      [](HWND window, LPARAM param) -> BOOL {
-        auto* s = reinterpret_cast<Search*>(param);
-        if (GetDlgCtrlID(window) == s->id) s->found = window;
-        return s->found ? FALSE : TRUE;
-      },
-      reinterpret_cast<LPARAM>(&search));
+  Search search;
+  search.id = id;
+  EnumChildWindows(dialog, FindChildIn, reinterpret_cast<LPARAM>(&search));
   return search.found;
 }
 
@@ -228,6 +237,45 @@ TEST_F(PreferencesDialogWine, CancelWritesNothingAndKeepsThePageShown) {
   // The placement went to the dialog's section.
   RegValue placement;
   EXPECT_TRUE(registry.QueryValue(DefaultSettingsRoot() + "\\PreferencesDlg", "", placement));
+}
+
+// TLOPTIONS in the demo host's frame, the module loaded from its DLL: the
+// choices made in the dialog reach the running bar and the registry at OK.
+TEST(PreferencesOnFrame, OkChangesTheRunningBarAndTheRegistry) {
+  RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\Morvane");
+  std::string arx = std::string("Z:") + TAVLET_ARX_PATH;
+  for (char& c : arx)
+    if (c == '/') c = '\\';
+  auto demo = std::make_unique<demo::DemoHost>(arx, false);
+  ASSERT_TRUE(demo->CreateFrame(900, 700)) << "no display";
+  ASSERT_TRUE(demo->Open(testing::SamplesDir() + "\\plan.tdd"));
+  ASSERT_TRUE(demo->Open(testing::SamplesDir() + "\\section.tdd"));
+  std::string error;
+  ASSERT_TRUE(demo->LoadModule(error, true)) << error;
+  demo->Pump(100);
+
+  const std::string folder = testing::MakeTempFolder("preferences");
+  demo::Script script;
+  ASSERT_TRUE(script.Parse("preferences \"tab 1; click 3004; click 3008; click 2058; ok\"\n"
+                           "wait 300\n"
+                           "screenshot after.bmp\n"
+                           "check-tabs right\n"
+                           "check-setting TabMode 1\n"
+                           "check-setting DockSide 59421\n"
+                           "check-setting HideOnSingle 1\n"
+                           "check-setting PreferencesDlg/LastTab 1\n"
+                           "preferences \"click 3007; cancel\"\n"
+                           "check-setting DockSide 59421\n",
+                           error))
+      << error;
+  std::ostringstream log;
+  demo::ScriptRunner runner(*demo, script, log, folder);
+  EXPECT_TRUE(runner.Run(error)) << error << "\n" << log.str();
+  // LockSize is never written by the dialog.
+  Win32Registry registry;
+  EXPECT_EQ(SettingsStore(registry, DefaultSettingsRoot()).GetInt("", "LockSize", -1), -1);
+  demo.reset();
+  RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\Morvane");
 }
 
 }  // namespace
