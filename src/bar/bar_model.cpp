@@ -29,6 +29,11 @@ void BarModel::SetSortBy(int sortBy) {
   listSettings_.SortBy = sortBy;
 }
 
+void BarModel::SetAutoUpdatePreviews(int on) {
+  settings_.AutoUpdatePreviews = on;
+  listSettings_.AutoUpdatePreviews = on;
+}
+
 long BarModel::DrawingCount() const {
   if (!services_.application) host::RaiseComError(port::kPointer);
   return services_.application.Documents().Count();

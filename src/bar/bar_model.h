@@ -110,6 +110,7 @@ class BarModel : private PreviewStripView {
   bool Floating() const { return settings_.Floating != 0; }
   int DockSide() const { return settings_.DockSide; }
   void SetSortBy(int sortBy);
+  void SetAutoUpdatePreviews(int on);
   bool TabChanging = false;
   // The last sizes the frame hooks saw, in the parents' coordinates.
   host::WindowRect commandHostRect;

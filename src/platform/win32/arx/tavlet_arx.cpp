@@ -14,6 +14,7 @@
 #include "platform/win32/operations/shell_win32.h"
 #include "platform/win32/raster_gdi.h"
 #include "platform/win32/registry_backend_win32.h"
+#include "platform/win32/settings/preferences_win32.h"
 #include "platform/win32/sheetsets/sheet_set_dialog_win32.h"
 #include "platform/win32/ui/about_box_win32.h"
 #include "platform/win32/window.h"
@@ -116,6 +117,10 @@ void Load(void* pkt, port::HostSession& session) {
   services.modulePath = ModulePath();
   services.aboutBox = [] { ShowAboutBox(HostFrame()); };
   services.worksetManager = [] { ShowWorksetManager(HostFrame()); };
+  services.preferencesDialog = [] {
+    LoadedModule* loaded = Loaded().get();
+    if (host::CurrentModule() && loaded) ShowPreferences(HostFrame(), loaded->registry, loaded->display);
+  };
   host::SetModuleServices(services);
   TavletEntry(host::kInitAppMsg, pkt, &session);
 }
