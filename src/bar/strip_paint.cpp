@@ -91,7 +91,7 @@ void DrawCell(Canvas& canvas, const StripPaintInputs& in, const PaintColors& col
       canvas.FillRect(label, colors.titleBack);
       DrawFrame(canvas, label, true);
       const WindowRect box{Plus(label.left, 12), Plus(label.top, 1), Minus(label.right, 1), Minus(label.bottom, 1)};
-      canvas.DrawText(name, box, kLabelFormat, colors.titleText, colors.titleBack);
+      canvas.DrawLabel(name, box, kLabelFormat, colors.titleText, colors.titleBack);
     }
   } else {
     canvas.FillRect(c, colors.titleBack);
@@ -99,7 +99,7 @@ void DrawCell(Canvas& canvas, const StripPaintInputs& in, const PaintColors& col
     label = Deflated(label, 1);
     if (!state.horizontal) {
       const WindowRect box{Plus(label.left, 12), label.top, label.right, label.bottom};
-      canvas.DrawText(name, box, kCollapsedLabelFormat, colors.titleText, colors.titleBack);
+      canvas.DrawLabel(name, box, kCollapsedLabelFormat, colors.titleText, colors.titleBack);
     } else {
       const WindowRect t{label.left, label.top, label.right, Minus(label.bottom, 15)};
       DrawTurnedLabel(canvas, name, t, in.labelFont, colors);
@@ -225,7 +225,7 @@ void RecordingCanvas::Draw3dRect(const WindowRect& r, std::uint32_t topLeft, std
   if (!quiet) calls.push_back("frame " + RectText(r) + " " + Hex(topLeft) + " " + Hex(bottomRight));
 }
 
-void RecordingCanvas::DrawText(std::string_view text, const WindowRect& box, std::uint32_t format,
+void RecordingCanvas::DrawLabel(std::string_view text, const WindowRect& box, std::uint32_t format,
                                std::uint32_t color, std::uint32_t back) {
   if (quiet) return;
   char f[16];

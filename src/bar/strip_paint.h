@@ -60,7 +60,7 @@ class Canvas {
   virtual void FillRect(const WindowRect& r, std::uint32_t color) = 0;
   virtual void Draw3dRect(const WindowRect& r, std::uint32_t topLeft, std::uint32_t bottomRight) = 0;
   // One line in the selected font, opaque on `back`.
-  virtual void DrawText(std::string_view text, const WindowRect& box, std::uint32_t format,
+  virtual void DrawLabel(std::string_view text, const WindowRect& box, std::uint32_t format,
                         std::uint32_t color, std::uint32_t back) = 0;
   // The whole packed bitmap (0, 0, width, height) stretched to `to`.
   virtual void DrawDib(const std::vector<unsigned char>& dib, int width, int height, const WindowRect& to) = 0;
@@ -132,7 +132,7 @@ class RecordingCanvas final : public Canvas {
 
   void FillRect(const WindowRect& r, std::uint32_t color) override;
   void Draw3dRect(const WindowRect& r, std::uint32_t topLeft, std::uint32_t bottomRight) override;
-  void DrawText(std::string_view text, const WindowRect& box, std::uint32_t format, std::uint32_t color,
+  void DrawLabel(std::string_view text, const WindowRect& box, std::uint32_t format, std::uint32_t color,
                 std::uint32_t back) override;
   void DrawDib(const std::vector<unsigned char>& dib, int width, int height, const WindowRect& to) override;
   void DrawGlyph(Glyph glyph, long x, long y, std::uint32_t color) override;

@@ -5,10 +5,14 @@
 #include <string>
 
 #include "bar/strip_actions.h"
+#include "bar/strip_paint.h"
+#include "host/com_error.h"
+#include "platform/win32/bar/gdi_canvas.h"
 #include "platform/win32/bar/preview_strip_win32.h"
 #include "platform/win32/bar/tab_strip_win32.h"
 #include "platform/win32/handles.h"
 #include "platform/win32/port_handles.h"
+#include "platform/win32/raster_gdi.h"
 
 namespace tavlet::win32 {
 
@@ -115,6 +119,14 @@ LRESULT MvTavletWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
   return Window::OnMessage(message, wParam, lParam);
 }
 
+int MvTavletWindow::OnCreate(CREATESTRUCTA&) {
+  const LOGFONTA font = ToLogFont(bar_.Settings().TabFont);
+  tabFont_ = GdiObject<HFONT>(CreateFontIndirectA(&font));
+  if (tips_.Create(hwnd())) popup_.UseTip(tips_.MenuTip());
+  tips_.Apply();
+  return 0;
+}
+
 void MvTavletWindow::OnDestroy() {
   // The floating frame is the bar's and goes first.
   HWND floatFrame = H(bar_.FloatFrameWindow());
@@ -151,8 +163,19 @@ void MvTavletWindow::OnSize(UINT, int, int) {
 void MvTavletWindow::OnPaint(HDC dc, const RECT&) {
   RECT client{};
   GetClientRect(hwnd(), &client);
-  GdiObject<HBRUSH> brush(CreateSolidBrush(bar_.Settings().Background));
-  FillRect(dc, &client, brush.get());
+  SavedDcState saved(dc);
+  SelectObject(dc, tabFont_.get());
+  GdiCanvas canvas(dc, nullptr, nullptr);
+  try {
+    // A floating bar is on no side: its notice stays level.
+    bar::PaintBar(canvas, FromRect(client), bar_.DrawingCount(), bar_.Floating() ? 0 : bar_.DockSide(),
+                  bar_.Settings().TabFont);
+  } catch (const host::ComError& error) {
+    // The count comes from automation; a failure costs the notice, not the paint.
+    canvas.FillRect(FromRect(client), GetSysColor(COLOR_BTNFACE));
+    const std::string line = "错误在 MvTavlet::OnPaint() - " + error.Description() + "\n";
+    bar_.Session().EditorService()->Print(line.c_str());
+  }
 }
 
 bool MvTavletWindow::OnSetCursor(HWND, UINT, UINT mouseMessage) {
