@@ -13,6 +13,7 @@
 #include "platform/win32/handles.h"
 #include "platform/win32/port_handles.h"
 #include "platform/win32/raster_gdi.h"
+#include "platform/win32/ui/themed_tab_ctrl.h"
 
 namespace tavlet::win32 {
 
@@ -94,6 +95,7 @@ LRESULT MvTavletWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       const auto* header = reinterpret_cast<const NMHDR*>(lParam);
       if (!header || header->idFrom != static_cast<UINT_PTR>(bar::kTabStripId)) break;
       if (header->code == TCN_SELCHANGING) {
+        if (ThemedTabCtrl* tabs = ThemedTabCtrl::Of(header->hwndFrom)) tabs->OnSelChanging();
         if (!bar::TabSelChanging(bar_.Session(), bar_.Settings())) return 0;
         // Some tab controls move their selection even when the change is
         // refused: the model's selection is put back once the click is over.
@@ -101,6 +103,7 @@ LRESULT MvTavletWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         return 1;
       }
       if (header->code == TCN_SELCHANGE) {
+        if (ThemedTabCtrl* tabs = ThemedTabCtrl::Of(header->hwndFrom)) tabs->OnSelChange();
         bar::TabSelChange(bar_, static_cast<int>(SendMessageA(header->hwndFrom, TCM_GETCURSEL, 0, 0)));
         return 0;
       }
@@ -110,7 +113,7 @@ LRESULT MvTavletWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       // The owner-drawn tabs are drawn by their owner.
       const auto* item = reinterpret_cast<const DRAWITEMSTRUCT*>(lParam);
       if (item && item->CtlType == ODT_TAB && item->CtlID == static_cast<UINT>(bar::kTabStripId)) {
-        DrawTab(*item, bar_.Tabs());
+        DrawTab(*item);
         return TRUE;
       }
       break;
