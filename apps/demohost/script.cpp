@@ -426,16 +426,14 @@ bool ScriptRunner::CheckBar(const ScriptStep& step, std::string& error) {
     error = "check-bar: the bar overlaps the drawing area";
     return false;
   }
-  const std::uint32_t frameColour = Rgb(win32::kCellFrame), activeColour = Rgb(win32::kActiveCellFrame);
+  const std::uint32_t edgeColour = Rgb(win32::CellEdgeColor(false)), activeColour = Rgb(win32::CellEdgeColor(true));
   long seen = 0;
   for (int i = 0;; ++i) {
     RECT cell{};
     if (!CellOnScreen(strip, i, cell)) break;
-    // The cell's left edge, half way down, in the picture's coordinates.
-    const int x = cell.left - shotRect_.left;
-    const int y = (cell.top + cell.bottom) / 2 - shotRect_.top;
-    const std::uint32_t pixel = shot_->At(x, y);
-    if (pixel == frameColour || pixel == activeColour) ++seen;
+    const POINT probe = win32::CellProbe(cell);
+    const std::uint32_t pixel = shot_->At(probe.x - shotRect_.left, probe.y - shotRect_.top);
+    if (pixel == edgeColour || pixel == activeColour) ++seen;
   }
   log_ << "    check-bar: " << seen << " cells drawn in the bar at " << barRect.left - shotRect_.left << ","
        << barRect.top - shotRect_.top << " " << barRect.right - barRect.left << "x" << barRect.bottom - barRect.top

@@ -133,6 +133,7 @@ class BarModel : private PreviewStripView {
   port::HostSession& Session() const { return services_.session; }
   host::WindowSystem& Windows() const { return services_.windows; }
   const SettingsStore& Store() const { return services_.settings; }
+  FileSystem& Files() const { return services_.files; }
 
   DocList& Strip() { return list_; }
   TabOrder& Tabs() { return tabOrder_; }
