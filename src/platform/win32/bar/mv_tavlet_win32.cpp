@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "bar/preview_capture.h"
 #include "bar/strip_actions.h"
 #include "platform/win32/bar/preview_strip_win32.h"
 #include "platform/win32/bar/tab_strip_win32.h"
@@ -214,8 +215,10 @@ void MvTavletWindow::EndTracking() {
 void MvTavletWindow::OnLButtonUp(UINT, int, int) {
   EndTracking();
   if (GetCapture() == hwnd()) ReleaseCapture();
-  // The captures of the previews belong to the capture work; the walk itself runs.
-  grip_.OnLButtonUp(bar_, [this] { bar::RefreshAllPreviews(bar_, [](bar::DocEntry&) {}); });
+  auto* strip = dynamic_cast<PreviewStripWindow*>(Window::FromHandle(H(bar_.StripWindow())));
+  grip_.OnLButtonUp(bar_, [this, strip] {
+    if (strip) bar::RefreshAllPreviews(bar_, bar::PreviewCapture(bar_, strip->Geometry()));
+  });
 }
 
 void MvTavletWindow::OnLButtonDblClk(UINT flags, int, int) {
