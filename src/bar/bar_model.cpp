@@ -29,9 +29,9 @@ void BarModel::SetSortBy(int sortBy) {
   listSettings_.SortBy = sortBy;
 }
 
-void BarModel::SetAutoUpdatePreviews(int on) {
-  settings_.AutoUpdatePreviews = on;
-  listSettings_.AutoUpdatePreviews = on;
+void BarModel::SetAutoUpdatePreviews(int autoUpdate) {
+  settings_.AutoUpdatePreviews = autoUpdate;
+  listSettings_.AutoUpdatePreviews = autoUpdate;
 }
 
 long BarModel::DrawingCount() const {
@@ -47,6 +47,7 @@ void BarModel::CreateBar() {
                                   host::kWsChild | host::kWsVisible, kBarId, {}});
   strip_ = windows.NewWindow({window_, "PreviewStrip", "Morvane Doc 选项板", host::kWsChild, kPreviewStripId,
                                  {0, 0, 10, 10}});
+  ReloadBackgroundColors();
   LoadWindowSettings(services_.settings, services_.display, settings_);
   tabs_ = windows.NewWindow({window_, "TabStrip", "", host::kWsChild, kTabStripId, {}});
   floatFrame_ = windows.NewWindow({frame.frame, "FloatFrame", "Tavlet", 0, 0, {}});
@@ -243,7 +244,7 @@ void BarModel::NudgeFrame() { host::NudgeFrame(services_.windows, services_.fram
 
 void BarModel::RedrawFrame() { services_.windows.RedrawWindow(services_.frame.frame, nullptr, host::kRedrawNow); }
 
-void BarModel::ReloadColors() {
+void BarModel::ReloadBackgroundColors() {
   port::ColorSettings colors;
   if (port::Succeeded(services_.session.EditorService()->GetCurrentColors(&colors))) colors_ = colors;
   ++colorReloads_;
