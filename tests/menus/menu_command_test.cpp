@@ -176,8 +176,8 @@ TEST_F(MenuCommandTest, AFoundSheetSetOpensInTheManagerWhenSoSet) {
   StartOnPlan();
   sheetSets->sheetSetSearchPath = "D:\\sets";
   Tree(plan);
-  EXPECT_NE(DescribeMenu(last).find("  > 找到\n    5003 project\n"), std::string::npos)
-      << text::ToUtf8(DescribeMenu(last));
+  EXPECT_NE(Compact(last).find("> 找到 {5003 project}"), std::string::npos)
+      << text::ToUtf8(Compact(last));
   EXPECT_FALSE(menu->OnCommand(sheetSets->foundSheetSets.begin()->first));
   EXPECT_EQ(h.host.SentCommands(), Lines{"-OPENSHEETSET \"D:\\sets\\project.dst\"\n"});
 }
