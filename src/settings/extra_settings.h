@@ -1,0 +1,22 @@
+// Settings of the additions beyond the bar's original set. Every one defaults to
+// off, so that with none of them stored the bar behaves and writes exactly as
+// before; they live in a section of their own.
+#pragma once
+
+#include <string_view>
+
+#include "settings/settings_table.h"
+
+namespace tavlet {
+
+namespace sections {
+inline constexpr std::string_view Extras = "Extras";
+}  // namespace sections
+
+namespace keys {
+// Read the host's recent sheet sets by the profile file's own encoding.
+inline constexpr SettingKey SheetSetListByEncoding{"Extras", "SheetSetListByEncoding", SettingType::Bool,
+                                                   DefaultSource::Fixed, 0};
+}  // namespace keys
+
+}  // namespace tavlet
