@@ -13,6 +13,8 @@ class NoShell final : public operations::OperationShell {
     return false;
   }
   bool RunPlotDialog(port::Window) override { return false; }
+  bool CopyToClipboard(port::Window, const std::string&) override { return false; }
+  void ShowInFolder(const std::string&) override {}
 };
 
 // Without a dialog to ask, a paper-space view with no layout is declined.

@@ -17,6 +17,9 @@ namespace keys {
 // Read the host's recent sheet sets by the profile file's own encoding.
 inline constexpr SettingKey SheetSetListByEncoding{"Extras", "SheetSetListByEncoding", SettingType::Bool,
                                                    DefaultSource::Fixed, 0};
+// "close all but this one", "copy full path" and "show in folder" on a drawing's menu.
+inline constexpr SettingKey ExtraDrawingCommands{"Extras", "ExtraDrawingCommands", SettingType::Bool,
+                                                 DefaultSource::Fixed, 0};
 }  // namespace keys
 
 }  // namespace tavlet
