@@ -81,6 +81,7 @@ void BarModel::OnDocumentCreated(port::Document doc) {
   if (!created_) return;
   list_.AddDocument(doc);
   tabOrder_.AddTab(doc);
+  if (onDocumentEvent) onDocumentEvent(DocumentEvent::Created, doc);
   const long count = DrawingCount();
   if (count == 1) {
     ShowModeChild();
@@ -98,6 +99,7 @@ void BarModel::OnDocumentToBeDestroyed(port::Document doc) {
   if (!created_) return;
   list_.RemoveDocument(doc);
   tabOrder_.RemoveTab(doc);
+  if (onDocumentEvent) onDocumentEvent(DocumentEvent::ToBeDestroyed, doc);
   // The closing drawing is still counted here.
   if (DrawingCount() == 1) {
     currentView_ = nullptr;
@@ -116,6 +118,7 @@ void BarModel::ActivateDocument(port::Document doc) {
   if (port::Failed(services_.session.Frame()->DrawingView(&view))) view = nullptr;
   currentView_ = view;
   if (!TabChanging) tabOrder_.SelectTab(doc);
+  if (onDocumentEvent) onDocumentEvent(DocumentEvent::Activated, doc);
 }
 
 void BarModel::RenameDocument(port::Document doc, const std::string& path) {

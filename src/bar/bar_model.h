@@ -125,6 +125,9 @@ class BarModel : private PreviewStripView {
   std::function<long(const host::WindowRect* rect)> selectedTabThickness;
   // Runs at each lay-out of the strip (the window side's layout).
   std::function<void()> onStripLayout;
+  // Told of each drawing the bar adds, removes or sees activated, after the bar.
+  enum class DocumentEvent { Created, ToBeDestroyed, Activated };
+  std::function<void(DocumentEvent, port::Document)> onDocumentEvent;
 
   port::Window Window() const { return window_; }
   port::Window StripWindow() const { return strip_; }

@@ -12,6 +12,7 @@
 #include "bar/bar_model.h"
 #include "host/arx_module.h"
 #include "host/automation.h"
+#include "host/module_extras.h"
 #include "host/module_hooks.h"
 #include "host/port/host_session.h"
 #include "host/port_ptr.h"
@@ -47,6 +48,8 @@ struct ModuleServices {
   UserEnvironment* user = nullptr;
   content::LayoutChooser* layoutChooser = nullptr;
   sheetsets::SheetSetDialogRunner* sheetSetDialog = nullptr;
+  // TLSWITCH's popup; none: the switch goes to the previous drawing.
+  SwitcherPopup switcherPopup;
 };
 
 // Copied; must be set before the load message.
@@ -76,6 +79,10 @@ class TavletModule final : private port::WindowMessageWatcher {
   bar::BarModel* Bar() const { return bar_.get(); }
   // The bar's menu and the operations behind it; null without a bar.
   menus::BarMenu* Menu() const { return menu_.get(); }
+  // The switcher and the session list; null without a bar.
+  ModuleExtras* Extras() const { return extras_.get(); }
+  void OnSwitch();
+  void OnRestore();
   ArxModule& Arx() { return arx_; }
   const SettingsStore& Store() const { return store_; }
   const bar::FrameHandles& Frame() const { return frame_; }
@@ -99,6 +106,7 @@ class TavletModule final : private port::WindowMessageWatcher {
   bar::FrameHandles frame_;
   std::unique_ptr<bar::BarModel> bar_;
   std::unique_ptr<menus::BarMenu> menu_;
+  std::unique_ptr<ModuleExtras> extras_;
   std::unique_ptr<FrameAreaHook> mdiHook_;
   std::unique_ptr<FrameAreaHook> commandHook_;
   PortPtr<port::SheetSetManager> sheetSets_;
