@@ -266,6 +266,43 @@ TEST(CaptureRules, TheLargestByteDecidesADarkBackground) {
   for (const Case& k : cases) EXPECT_EQ(IsDarkBackground(k.color), k.dark) << std::hex << k.color;
 }
 
+TEST(CaptureRules, TheTargetSizeFollowsTheStripsRun) {
+  struct Case {
+    const char* what;
+    int dockSide;
+    bool floating;
+    long clientWidth, clientHeight;
+    int showName;
+    double aspect;
+    long width, height;
+  };
+  // previewExtent 68, titleHeight 16 throughout.
+  const Case cases[] = {
+      {"top, label shown", kDockTop, false, 600, 70, 1, 4.0 / 3.0, 69, 52},
+      {"bottom, label hidden", kDockBottom, false, 600, 70, 0, 4.0 / 3.0, 90, 68},
+      {"beside the command line", kDockCommandLeft, false, 300, 70, 1, 16.0 / 9.0, 92, 52},
+      {"left: the label takes nothing", kDockLeft, false, 70, 600, 1, 16.0 / 9.0, 68, 38},
+      {"right, portrait view", kDockRight, false, 70, 600, 1, 0.5, 68, 136},
+      {"floating, wider than high", kDockLeft, true, 600, 70, 1, 16.0 / 9.0, 92, 52},
+      {"floating, higher than wide", kDockTop, true, 70, 600, 1, 16.0 / 9.0, 68, 38},
+      {"an aspect never given", kDockLeft, false, 70, 600, 1, 0.0, 68, 0},
+  };
+  for (const Case& k : cases) {
+    SCOPED_TRACE(k.what);
+    StripLayout layout;
+    layout.SetDockSide(k.dockSide);
+    layout.floating = k.floating;
+    layout.clientWidth = k.clientWidth;
+    layout.clientHeight = k.clientHeight;
+    layout.previewExtent = 68;
+    layout.titleHeight = 16;
+    layout.viewAspect = k.aspect;
+    BarSettings settings;
+    settings.ShowDwgName = k.showName;
+    EXPECT_EQ(PreviewTargetSize(layout, settings), (CellExtent{k.width, k.height}));
+  }
+}
+
 // The picture as the host hands it out, red first.
 oracle::Buffer HostPicture(sim::SimHost& host) {
   port::ScreenImage* image = nullptr;

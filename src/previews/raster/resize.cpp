@@ -162,41 +162,42 @@ __attribute__((target("avx2"))) inline __m256d LoadPixel(const std::uint8_t* p) 
 // its weight, `middle` pixels of weight 1 (times the row's weight), and the last
 // pixel with its weight when the span has two or more.
 struct ColumnTerms {
-  const std::uint8_t* first;
+  std::size_t offset;  // of the first pixel in the row
   std::int32_t middle;
   bool hasLast;
-  double firstWeight, lastWeight;  // already times the row's weight
+  double firstWeight, lastWeight;  // times the row's weight
 };
 
-// Adds the terms of up to four destination columns into their sums, side by side
-// but each in the plain loop's order: first, middle, last. Interior pixels of an
-// interior row have the weight 1.0 exactly, and p x 1.0 is p, so there they are
-// only added. Only multiplications and additions, no fused multiply-add, which
-// would round differently: the function is built for AVX2 without FMA.
+// Adds the terms of up to eight destination columns into their sums, side by
+// side but each in the plain loop's order: first, middle, last. Interior pixels
+// of an interior row have the weight 1.0 exactly, and p x 1.0 is p, so there
+// they are only added. Only multiplications and additions, no fused
+// multiply-add, which would round differently: the function is built for AVX2
+// without FMA. `common` is the fewest middle pixels of any column.
 template <int kLanes, bool kUnitRow>
-__attribute__((target("avx2"))) inline void AddTerms(const ColumnTerms* terms, double rowWeight, double* sums) {
+__attribute__((target("avx2"))) inline void AddTerms(const std::uint8_t* row, const ColumnTerms* terms,
+                                                     std::int32_t common, double rowWeight, double* sums) {
   __m256d s[kLanes];
-  std::int32_t common = terms[0].middle;
+  const std::uint8_t* first[kLanes];
   for (int q = 0; q < kLanes; ++q) {
-    s[q] = _mm256_loadu_pd(sums + 4 * q);
-    common = std::min(common, terms[q].middle);
+    first[q] = row + terms[q].offset;
+    s[q] = _mm256_add_pd(_mm256_loadu_pd(sums + 4 * q),
+                         _mm256_mul_pd(LoadPixel(first[q]), _mm256_set1_pd(terms[q].firstWeight)));
   }
-  for (int q = 0; q < kLanes; ++q)
-    s[q] = _mm256_add_pd(s[q], _mm256_mul_pd(LoadPixel(terms[q].first), _mm256_set1_pd(terms[q].firstWeight)));
   const __m256d weight = _mm256_set1_pd(rowWeight);
   for (std::int32_t k = 1; k <= common; ++k) {
     for (int q = 0; q < kLanes; ++q) {
-      const __m256d v = LoadPixel(terms[q].first + 3 * k);
+      const __m256d v = LoadPixel(first[q] + 3 * k);
       s[q] = _mm256_add_pd(s[q], kUnitRow ? v : _mm256_mul_pd(v, weight));
     }
   }
   for (int q = 0; q < kLanes; ++q) {
     for (std::int32_t k = common + 1; k <= terms[q].middle; ++k) {
-      const __m256d v = LoadPixel(terms[q].first + 3 * k);
+      const __m256d v = LoadPixel(first[q] + 3 * k);
       s[q] = _mm256_add_pd(s[q], kUnitRow ? v : _mm256_mul_pd(v, weight));
     }
     if (terms[q].hasLast) {
-      const __m256d v = LoadPixel(terms[q].first + 3 * (terms[q].middle + 1));
+      const __m256d v = LoadPixel(first[q] + 3 * (terms[q].middle + 1));
       s[q] = _mm256_add_pd(s[q], _mm256_mul_pd(v, _mm256_set1_pd(terms[q].lastWeight)));
     }
     _mm256_storeu_pd(sums + 4 * q, s[q]);
@@ -204,22 +205,27 @@ __attribute__((target("avx2"))) inline void AddTerms(const ColumnTerms* terms, d
 }
 
 template <bool kUnitRow>
-__attribute__((target("avx2"))) void AddRow(const std::vector<ColumnTerms>& terms, double rowWeight,
-                                            double* sums) {
+__attribute__((target("avx2"))) void AddRow(const std::uint8_t* row, const std::vector<ColumnTerms>& terms,
+                                            std::int32_t common, double rowWeight, double* sums) {
   const std::size_t count = terms.size();
   std::size_t x = 0;
   // Eight sums grow side by side, so that the latency of each addition is hidden.
-  for (; x + 8 <= count; x += 8) AddTerms<8, kUnitRow>(&terms[x], rowWeight, sums + 4 * x);
-  for (; x < count; ++x) AddTerms<1, kUnitRow>(&terms[x], rowWeight, sums + 4 * x);
+  for (; x + 8 <= count; x += 8) AddTerms<8, kUnitRow>(row, &terms[x], common, rowWeight, sums + 4 * x);
+  for (; x < count; ++x) AddTerms<1, kUnitRow>(row, &terms[x], common, rowWeight, sums + 4 * x);
 }
 
 std::int32_t AreaAverageAvx2(const RasterCall& call, const Image& source, const Target& target,
                              const std::vector<Span>& columns, double yr) {
-  std::vector<ColumnTerms> terms;
+  std::vector<ColumnTerms> terms, scaled;
   std::vector<double> sums;
   std::vector<std::uint8_t> lastRow;
   try {
-    terms.resize(columns.size());
+    terms.reserve(columns.size());
+    for (const Span& span : columns) {
+      terms.push_back({static_cast<std::size_t>(span.first) * 3, std::max(span.count - 2, 0), span.count > 1,
+                       span.firstWeight, span.lastWeight});
+    }
+    scaled = terms;
     sums.resize(columns.size() * 4);
     // Each pixel is read as 4 bytes; the bottom row gets a copy with room for the
     // byte past its end.
@@ -227,6 +233,8 @@ std::int32_t AreaAverageAvx2(const RasterCall& call, const Image& source, const 
   } catch (const std::bad_alloc&) {
     return kOutOfMemory;
   }
+  std::int32_t common = terms.front().middle;
+  for (const ColumnTerms& t : terms) common = std::min(common, t.middle);
   const std::uint8_t* bottom = source.pixels + static_cast<std::size_t>(source.height - 1) * source.stride;
   std::memcpy(lastRow.data(), bottom, static_cast<std::size_t>(source.width) * 3);
 
@@ -239,16 +247,16 @@ std::int32_t AreaAverageAvx2(const RasterCall& call, const Image& source, const 
       const std::uint8_t* row = index == source.height - 1
                                     ? lastRow.data()
                                     : source.pixels + static_cast<std::size_t>(index) * source.stride;
-      for (std::size_t x = 0; x < columns.size(); ++x) {
-        const Span& span = columns[x];
-        // The plain loop's weight of each pixel is (row weight x column weight).
-        terms[x] = {row + static_cast<std::size_t>(span.first) * 3, std::max(span.count - 2, 0), span.count > 1,
-                    rowWeight * span.firstWeight, rowWeight * span.lastWeight};
+      if (rowWeight == 1.0) {
+        AddRow<true>(row, terms, common, rowWeight, sums.data());
+        continue;
       }
-      if (rowWeight == 1.0)
-        AddRow<true>(terms, rowWeight, sums.data());
-      else
-        AddRow<false>(terms, rowWeight, sums.data());
+      // The plain loop's weight of each pixel is (row weight x column weight).
+      for (std::size_t x = 0; x < terms.size(); ++x) {
+        scaled[x].firstWeight = rowWeight * terms[x].firstWeight;
+        scaled[x].lastWeight = rowWeight * terms[x].lastWeight;
+      }
+      AddRow<false>(row, scaled, common, rowWeight, sums.data());
     }
     std::uint8_t* out = target.pixels + static_cast<std::size_t>(y) * target.stride;
     for (std::int32_t x = 0; x < target.width; ++x, out += 3) {
