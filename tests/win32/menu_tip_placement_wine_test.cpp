@@ -26,13 +26,6 @@
 namespace tavlet::demo {
 namespace {
 
-std::string WinePath(const char* unixPath) {
-  std::string path = std::string("Z:") + unixPath;
-  for (char& c : path)
-    if (c == '/') c = '\\';
-  return path;
-}
-
 // The last track position the tip window was given, seen by a hook on the
 // messages sent to this thread's windows: the control itself may move a tip
 // that would leave the screen, and Wine's SM_CYMAXTRACK lies below it.
@@ -87,7 +80,7 @@ TEST(MenuTipPlacement, BesideTheEntryWithinTheLargestWindow) {
     store.SetInt("", "DockSide", bar::kDockLeft);
     store.SetString("工作集", "路径", folder + "\\tip.worksets");
   }
-  DemoHost demo(WinePath(TAVLET_ARX_PATH), false);
+  DemoHost demo(testing::WinePath(TAVLET_ARX_PATH), false);
   ASSERT_TRUE(demo.CreateFrame(900, 700)) << "no display";
   // Partly past the screen's right edge, the bar on the frame's left: the
   // workset's entries open about 1,000 pixels from the left.

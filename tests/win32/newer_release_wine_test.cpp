@@ -18,15 +18,8 @@
 namespace tavlet::demo {
 namespace {
 
-std::string WinePath(const char* unixPath) {
-  std::string path = std::string("Z:") + unixPath;
-  for (char& c : path)
-    if (c == '/') c = '\\';
-  return path;
-}
-
 TEST(NewerReleaseOnFrame, ARecentDrawingTheHostRefusesIsNamedByItsRelease) {
-  const std::string drawing = WinePath(TAVLET_SHARED_DIR "/testdata/dwg/acs_sample_AC1021.dwg");
+  const std::string drawing = testing::WinePath(TAVLET_SHARED_DIR "/testdata/dwg/acs_sample_AC1021.dwg");
   if (GetFileAttributesA(drawing.c_str()) == INVALID_FILE_ATTRIBUTES)
     GTEST_SKIP() << "shared drawings not found";
   RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\Morvane");
@@ -34,7 +27,7 @@ TEST(NewerReleaseOnFrame, ARecentDrawingTheHostRefusesIsNamedByItsRelease) {
     Win32Registry registry;
     SettingsStore(registry, DefaultSettingsRoot()).SetString("MRU", "路径_1", drawing);
   }
-  DemoHost demo(WinePath(TAVLET_ARX_PATH), false);
+  DemoHost demo(testing::WinePath(TAVLET_ARX_PATH), false);
   ASSERT_TRUE(demo.CreateFrame(900, 700)) << "no display";
   ASSERT_TRUE(demo.Open(testing::SamplesDir() + "\\plan.tdd"));
   std::string error;
