@@ -275,12 +275,13 @@ ui::BarWindowActions PreferencesWindowActions(bar::BarModel& bar) {
     tabFont = std::move(made);
   };
   // TODO(merge): three actions wait for the bar's windows, which are being
-  // reworked elsewhere. Each reads what the dialog has already put in
-  // bar.Settings():
-  //  - setLabelFont: PreviewStripWindow makes its label font once, in
-  //    OnCreate; it needs a call that makes it again from Settings().LabelFont
-  //    and lays the strip out.
-  //  - applyTipSettings: the bar window's ApplyTipSettings().
+  // reworked elsewhere; each window object is reached by Window::FromHandle of
+  // bar.Window() or bar.StripWindow(), and each reads what the dialog has
+  // already put in bar.Settings():
+  //  - applyTipSettings: MvTavletWindow::ApplyTipSettings();
+  //  - setLabelFont: PreviewStripWindow makes its label font once, in OnCreate;
+  //    it needs a call that makes it again from Settings().LabelFont and lays
+  //    the strip out;
   //  - resetStripScroll: the strip layout's scrollPos and scroll size to 0.
   // Until then these changes are stored and show from the next load.
   actions.setLabelFont = nullptr;
