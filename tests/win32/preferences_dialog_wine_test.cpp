@@ -256,13 +256,14 @@ TEST(PreferencesOnFrame, OkChangesTheRunningBarAndTheRegistry) {
 
   const std::string folder = testing::MakeTempFolder("preferences");
   demo::Script script;
-  ASSERT_TRUE(script.Parse("preferences \"tab 1; click 3004; click 3008; click 2058; ok\"\n"
+  ASSERT_TRUE(script.Parse("preferences \"tab 1; color 2086 255 255 224; click 3004; click 3008; click 2058; ok\"\n"
                            "wait 300\n"
                            "screenshot after.bmp\n"
                            "check-tabs right\n"
                            "check-setting TabMode 1\n"
                            "check-setting DockSide 59421\n"
                            "check-setting HideOnSingle 1\n"
+                           "check-setting Colors/Background 14745599\n"
                            "check-setting PreferencesDlg/LastTab 1\n"
                            "preferences \"click 3007; cancel\"\n"
                            "check-setting DockSide 59421\n",
