@@ -5,6 +5,7 @@
 #include <map>
 #include <sstream>
 
+#include "dialog_driver.h"
 #include "menu_driver.h"
 #include "preferences_driver.h"
 #include "text/codepage.h"
@@ -40,6 +41,8 @@ const std::map<std::string, Verb>& Verbs() {
       {"unload", {0, 0, "unload"}},
       {"load", {0, 0, "load"}},
       {"quit", {0, 0, "quit"}},
+      {"dialog", {2, 4, "dialog TITLE type|select|click|header|size|screenshot|close [ARGS]"}},
+      {"worksets", {2, 3, "worksets new NAME [FROM] | worksets check EXPECTED"}},
       {"preferences", {1, 1, "preferences \"STEP; STEP; ... ok|cancel\""}},
       {"check-tabs", {1, 1, "check-tabs left|right|top|bottom"}},
       {"check-setting", {2, 2, "check-setting [SECTION/]KEY VALUE|FACE"}},
@@ -306,6 +309,9 @@ bool ScriptRunner::Step(const ScriptStep& step, std::string& error) {
     if (!demo_.LoadModule(error)) return false;
   } else if (verb == "quit") {
     quit_ = true;
+  } else if (verb == "dialog" || verb == "worksets") {
+    const DialogStepContext context{demo_, [this](const std::string& p) { return Resolve(p); }, outputFolder_, log_};
+    return verb == "dialog" ? RunDialogStep(context, step, error) : RunWorksetsStep(context, step, error);
   } else if (verb == "preferences") {
     std::vector<PreferencesStep> steps;
     return ParsePreferencesSteps(args[0], steps, error) &&
@@ -420,16 +426,14 @@ bool ScriptRunner::CheckBar(const ScriptStep& step, std::string& error) {
     error = "check-bar: the bar overlaps the drawing area";
     return false;
   }
-  const std::uint32_t frameColour = Rgb(win32::kCellFrame), activeColour = Rgb(win32::kActiveCellFrame);
+  const std::uint32_t edgeColour = Rgb(win32::CellEdgeColor(false)), activeColour = Rgb(win32::CellEdgeColor(true));
   long seen = 0;
   for (int i = 0;; ++i) {
     RECT cell{};
     if (!CellOnScreen(strip, i, cell)) break;
-    // The cell's left edge, half way down, in the picture's coordinates.
-    const int x = cell.left - shotRect_.left;
-    const int y = (cell.top + cell.bottom) / 2 - shotRect_.top;
-    const std::uint32_t pixel = shot_->At(x, y);
-    if (pixel == frameColour || pixel == activeColour) ++seen;
+    const POINT probe = win32::CellProbe(cell);
+    const std::uint32_t pixel = shot_->At(probe.x - shotRect_.left, probe.y - shotRect_.top);
+    if (pixel == edgeColour || pixel == activeColour) ++seen;
   }
   log_ << "    check-bar: " << seen << " cells drawn in the bar at " << barRect.left - shotRect_.left << ","
        << barRect.top - shotRect_.top << " " << barRect.right - barRect.left << "x" << barRect.bottom - barRect.top
