@@ -298,22 +298,22 @@ bool CheckTabs(const Picture& shot, POINT origin, HWND frame, HWND mdiClient, co
                       : side == "right" ? barRect.left >= area.right - 1
                       : side == "top"   ? barRect.bottom <= area.top + 1
                                         : barRect.top >= area.bottom - 1;
-  RECT first{};
-  SendMessageA(tabs, TCM_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&first));
-  MapWindowPoints(tabs, nullptr, reinterpret_cast<POINT*>(&first), 2);
+  // Tabs on a side are drawn turned: the control's whole rectangle is read.
   std::set<std::uint32_t> colours;
-  const int y = (first.top + first.bottom) / 2 - origin.y;
-  for (int x = tabRect.left; x < tabRect.right; ++x) colours.insert(shot.At(x - origin.x, y));
+  for (int y = tabRect.top; y < tabRect.bottom; ++y)
+    for (int x = tabRect.left; x < tabRect.right; ++x) colours.insert(shot.At(x - origin.x, y - origin.y));
   log << "    check-tabs: bar at " << barRect.left - origin.x << "," << barRect.top - origin.y << " "
       << barRect.right - barRect.left << "x" << barRect.bottom - barRect.top << ", drawing area from "
       << area.left - origin.x << " to " << area.right - origin.x << ", " << colours.size()
-      << " colours along the first row of tabs" << std::endl;
+      << " colours in the tabs" << std::endl;
   if (!placed) {
     error = "check-tabs: the bar is not on the " + side + " of the drawing area";
     return false;
   }
-  if (colours.size() < 3) {
-    error = "check-tabs: no tabs drawn in the screenshot";
+  const LRESULT items = SendMessageA(tabs, TCM_GETITEMCOUNT, 0, 0);
+  if (items < 1 || colours.size() < 3) {
+    error = "check-tabs: no tabs drawn in the screenshot (" + std::to_string(items) + " tabs, " +
+            std::to_string(colours.size()) + " colours)";
     return false;
   }
   return true;

@@ -40,9 +40,9 @@ bool DrivePreferences(const std::vector<PreferencesStep>& steps, const std::func
                       const std::string& outputFolder, std::ostream& log, std::string& error);
 
 // The bar's tab control in the last screenshot `shot` (taken of `frame` at
-// `shotOrigin`): it is shown, draws its tabs (more than two colours along the
-// middle of its first row), and the bar is on `side` ("left", "right", "top",
-// "bottom") of the drawing area `mdiClient`.
+// `shotOrigin`): it is shown, draws its tabs (more than two colours in its
+// rectangle: faces, text, the selected tab), and the bar is on `side` ("left", "right", "top", "bottom") of the
+// drawing area `mdiClient`.
 struct Picture;
 bool CheckTabs(const Picture& shot, POINT shotOrigin, HWND frame, HWND mdiClient, const std::string& side,
                std::ostream& log, std::string& error);
