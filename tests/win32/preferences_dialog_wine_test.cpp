@@ -168,6 +168,18 @@ TEST_F(PreferencesDialogWine, ControlsShowAndChangeTheDialogsState) {
         char text[32] = {};
         GetWindowTextA(Child(dialog, 2019), text, sizeof text);
         EXPECT_STREQ(text, "300");
+        // Wider: the group boxes follow the width, the check boxes stay.
+        RECT group{}, check{}, window{};
+        GetWindowRect(Child(dialog, 2017), &group);
+        GetWindowRect(Child(dialog, 2029), &check);
+        GetWindowRect(dialog, &window);
+        SetWindowPos(dialog, nullptr, 0, 0, window.right - window.left + 120, window.bottom - window.top,
+                     SWP_NOMOVE | SWP_NOZORDER);
+        RECT wider{}, checkAfter{};
+        GetWindowRect(Child(dialog, 2017), &wider);
+        GetWindowRect(Child(dialog, 2029), &checkAfter);
+        EXPECT_EQ((wider.right - wider.left) - (group.right - group.left), 120);
+        EXPECT_EQ(checkAfter.right - checkAfter.left, check.right - check.left);
         return true;
       },
       [&] {
