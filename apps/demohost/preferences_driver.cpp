@@ -286,6 +286,19 @@ bool CheckTabs(const Picture& shot, POINT origin, HWND frame, HWND mdiClient, co
     bar = search.found;
     tabs = bar ? GetDlgItem(bar, 1003) : nullptr;
   }
+  if (side == "none") {
+    // The bar gives its place up (HideOnSingle with one drawing): the drawing
+    // area runs over the whole of the bar's rectangle.
+    RECT barRect{}, area{}, overlap{};
+    if (bar) GetWindowRect(bar, &barRect);
+    GetWindowRect(mdiClient, &area);
+    const bool covered = !bar || !IsWindowVisible(bar) ||
+                         (IntersectRect(&overlap, &barRect, &area) && EqualRect(&overlap, &barRect));
+    log << "    check-tabs: bar at " << barRect.left - origin.x << "," << barRect.top - origin.y << ", drawing area from "
+        << area.left - origin.x << " to " << area.right - origin.x << std::endl;
+    if (!covered) error = "check-tabs: the bar still takes its place beside the drawing area";
+    return covered;
+  }
   if (!tabs || !IsWindowVisible(tabs)) {
     error = "check-tabs: the bar shows no tabs";
     return false;

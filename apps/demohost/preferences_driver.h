@@ -42,7 +42,8 @@ bool DrivePreferences(const std::vector<PreferencesStep>& steps, const std::func
 // The bar's tab control in the last screenshot `shot` (taken of `frame` at
 // `shotOrigin`): it is shown, draws its tabs (more than two colours in its
 // rectangle: faces, text, the selected tab), and the bar is on `side` ("left", "right", "top", "bottom") of the
-// drawing area `mdiClient`.
+// drawing area `mdiClient`. With `side` "none": the bar takes no place, the
+// drawing area covering its rectangle.
 struct Picture;
 bool CheckTabs(const Picture& shot, POINT shotOrigin, HWND frame, HWND mdiClient, const std::string& side,
                std::ostream& log, std::string& error);
