@@ -278,7 +278,11 @@ TEST(PreferencesOnFrame, OkChangesTheRunningBarAndTheRegistry) {
                            "check-setting Colors/Background 14745599\n"
                            "check-setting PreferencesDlg/LastTab 1\n"
                            "preferences \"click 3007; cancel\"\n"
-                           "check-setting DockSide 59421\n",
+                           "check-setting DockSide 59421\n"
+                           "command CLOSE\n"
+                           "wait 300\n"
+                           "screenshot single.bmp\n"
+                           "check-tabs none\n",
                            error))
       << error;
   std::ostringstream log;
