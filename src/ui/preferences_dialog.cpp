@@ -96,7 +96,8 @@ constexpr std::array<std::pair<int, int>, 6> kDockRadios = {{
     {pref::kDockCommandRight, bar::kDockCommandRight},
 }};
 
-// The controls that show one setting each, as the data exchange binds them.
+// The controls that show one setting each, as the data exchange binds them;
+// the numbers in the order the pages exchange them.
 template <typename Field>
 struct Binding {
   int id;
@@ -131,10 +132,6 @@ constexpr Binding<std::uint32_t> kColorBindings[] = {
     {pref::kTitleText, &BarSettings::TitleText},   {pref::kReadOnly, &BarSettings::ReadOnly},
     {pref::kModified, &BarSettings::Modified},
 };
-
-// The numbers each page exchanges, in its order.
-constexpr std::array kGeneralNumbers = {pref::kTipWidth, pref::kTipDelay, pref::kTipRemain, pref::kNumSheetSets};
-constexpr std::array kDisplayNumbers = {pref::kScrollBarSize};
 
 bool IsBlank(char c) { return c == ' ' || c == '\t'; }
 
@@ -352,13 +349,10 @@ PreferencesOkResult PreferencesDialog::Ok(PreferencePagesTarget& target) {
   // Both pages exchange their numbers first, so that a refused one leaves the
   // bar's fields as they were.
   std::map<int, int> numbers;
-  for (auto [page, ids] : {std::pair{kGeneralPageId, std::span<const int>(kGeneralNumbers)},
-                           std::pair{kDisplayPageId, std::span<const int>(kDisplayNumbers)}}) {
-    for (int id : ids) {
-      const NumberExchange number = ExchangeInt(Text(id));
-      if (!number.ok) return {false, page, id};
-      numbers[id] = number.value;
-    }
+  for (const auto& binding : kNumberBindings) {
+    const NumberExchange number = ExchangeInt(Text(binding.id));
+    if (!number.ok) return {false, PageOf(binding.id), binding.id};
+    numbers[binding.id] = number.value;
   }
   GeneralOk(numbers, target);
   DisplayOk(numbers, target);

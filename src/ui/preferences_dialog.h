@@ -3,9 +3,9 @@
 // the typed numbers' data exchange, and each page's OK, which writes the bar's
 // fields and raises the change flags that ApplyPreferences then acts on.
 //
-//   PreferencesDialog dialog(bar.Settings(), lastTab);
-//   dialog.Click(kRadioTabs);            // the window forwards each click
-//   dialog.Type(kEditTipWidth, "250");   // and each edit's text
+//   PreferencesDialog dialog(bar.Settings(), lastTab, display);
+//   dialog.Click(pref::kTabs);            // the window forwards each click
+//   dialog.Type(pref::kTipWidth, "250");  // and each edit's text
 //   if (dialog.Ok(target).ok) ApplyPreferences(dialog, target, store);
 #pragma once
 

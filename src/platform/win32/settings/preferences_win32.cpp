@@ -4,6 +4,7 @@
 #include <commdlg.h>
 
 #include "host/module.h"
+#include "platform/win32/bar/bar_tips_win32.h"
 #include "platform/win32/handles.h"
 #include "platform/win32/raster_gdi.h"
 #include "platform/win32/window.h"
@@ -274,17 +275,15 @@ ui::BarWindowActions PreferencesWindowActions(bar::BarModel& bar) {
     SendMessageA(AsHwnd(bar.TabWindow()), WM_SETFONT, reinterpret_cast<WPARAM>(made.get()), TRUE);
     tabFont = std::move(made);
   };
-  // TODO(merge): three actions wait for the bar's windows, which are being
-  // reworked elsewhere. Each reads what the dialog has already put in
-  // bar.Settings():
-  //  - setLabelFont: PreviewStripWindow makes its label font once, in
-  //    OnCreate; it needs a call that makes it again from Settings().LabelFont
-  //    and lays the strip out.
-  //  - applyTipSettings: the bar window's ApplyTipSettings().
+  actions.applyTipSettings = [&bar] { ApplyTipSettings(bar); };
+  // TODO(merge): two actions wait for the strip's window, which makes its label
+  // font once, in OnCreate, and keeps its scroll state to itself; each reads
+  // what the dialog has already put in bar.Settings():
+  //  - setLabelFont: the strip's label font made again from Settings().LabelFont
+  //    and the strip laid out (the bar's notice font likewise from TabFont);
   //  - resetStripScroll: the strip layout's scrollPos and scroll size to 0.
-  // Until then these changes are stored and show from the next load.
+  // Until then these two changes are stored and show from the next load.
   actions.setLabelFont = nullptr;
-  actions.applyTipSettings = nullptr;
   actions.resetStripScroll = nullptr;
   return actions;
 }
