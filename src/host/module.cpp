@@ -118,7 +118,8 @@ void TavletModule::Init(void* pkt) {
       menu_ = std::make_unique<menus::BarMenu>(menus::BarMenuServices{
           session_, application_, windows, store_, *services_.files, *bar_, services_.shell, services_.user,
           services_.layoutChooser, nullptr,
-          menus::MenuDialogs{[this] { OnAbout(); }, [this] { OnOptions(); }, [this] { OnManageWorksets(); }}});
+          menus::MenuDialogs{[this] { OnAbout(); }, [this] { OnOptions(); }, [this] { OnManageWorksets(); }},
+          services_.worksetSelector});
       mdiHook_ = std::make_unique<FrameAreaHook>(windows, *bar_, on_);
       mdiHook_->Attach(frame_.mdiClient);
       commandHook_ = std::make_unique<FrameAreaHook>(windows, *bar_, on_);

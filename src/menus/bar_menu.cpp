@@ -39,7 +39,8 @@ BarMenu::BarMenu(BarMenuServices s) : fallbacks_(std::make_unique<Fallbacks>()) 
     ops->OpenFile(path, complain, restoreDbmod);
   };
   worksets_ = std::make_unique<WorksetStore>(WorksetServices{s.files, s.settings, *s.session.Boxes(), user,
-                                                             DecideDataFolder(user, s.files), open});
+                                                             DecideDataFolder(user, s.files), open,
+                                                             s.worksetSelector});
   sheetSets_ = std::make_unique<sheetsets::SheetSetCommands>(
       sheetsets::SheetSetServices{s.session, s.application, s.files, s.settings, shell, open, s.sheetSetDialog,
                                   s.bar.Window(), operations_->hostVersion});

@@ -48,6 +48,7 @@ struct LoadedModule {
   Win32DisplayDefaults display;
   std::unique_ptr<operations::OperationShell> shell;
   Win32UserEnvironment user;
+  RunningModuleFileSelector worksetSelector;
 };
 
 std::unique_ptr<LoadedModule>& Loaded() {
@@ -85,6 +86,7 @@ void Load(void* pkt, port::HostSession& session) {
     host::TavletModule* running = host::CurrentModule();
     ShowAboutBox(running ? reinterpret_cast<HWND>(running->Frame().frame) : nullptr);
   };
+  services.worksetSelector = &module.worksetSelector;
   services.worksetManager = [] {
     host::TavletModule* running = host::CurrentModule();
     if (running) ShowWorksetManager(reinterpret_cast<HWND>(running->Frame().frame));

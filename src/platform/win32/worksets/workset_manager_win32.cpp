@@ -125,9 +125,7 @@ WorksetManagerWindow::~WorksetManagerWindow() {
     if (bitmap) DeleteObject(bitmap);
 }
 
-WorksetManagerWindow* WorksetManagerWindow::Open(const SettingsStore& settings, WorksetManagerServices services,
-                                                 HWND owner) {
-  auto* window = new WorksetManagerWindow(settings, std::move(services));
+WorksetManagerWindow* WorksetManagerWindow::Show(WorksetManagerWindow* window, HWND owner) {
   ResourceScope resources;
   if (!window->Create(ModuleInstance(), manager_ids::kDialog, owner)) {
     delete window;
@@ -137,6 +135,13 @@ WorksetManagerWindow* WorksetManagerWindow::Open(const SettingsStore& settings, 
   OpenManagers().insert(window);
   ShowWindow(window->hwnd(), SW_SHOW);
   return window;
+}
+
+void WorksetManagerWindow::AdoptSheetSetDialog(host::PortPtr<port::SheetSetManager> manager,
+                                               std::unique_ptr<sheetsets::SheetSetDialogRunner> runner) {
+  sheetSetManager_ = std::move(manager);
+  sheetSetRunner_ = std::move(runner);
+  services_.sheetSetDialog = sheetSetRunner_.get();
 }
 
 void WorksetManagerWindow::OnFinalMessage() {
@@ -508,6 +513,16 @@ bool WorksetFileSelectorWin32::SelectFiles(const std::string& worksetsPath, cons
 
 // ---------------------------------------------------------------- the menu's entry
 
+bool RunningModuleFileSelector::SelectFiles(const std::string& worksetsPath, const std::string& name,
+                                            std::vector<DrawingPath>& ticked) {
+  host::TavletModule* running = host::CurrentModule();
+  port::HostSession* session = host::CurrentSession();
+  if (!running || !session) return false;
+  WorksetFileSelectorWin32 selector(running->Store(), *session->Boxes(), NativeFileSystem(),
+                                    reinterpret_cast<HWND>(running->Frame().frame));
+  return selector.SelectFiles(worksetsPath, name, ticked);
+}
+
 void ShowWorksetManager(HWND owner) {
   host::TavletModule* running = host::CurrentModule();
   port::HostSession* session = host::CurrentSession();
@@ -525,7 +540,17 @@ void ShowWorksetManager(HWND owner) {
   services.chooseReferences = [&settings, session, &files, owner](std::vector<std::string>& paths) {
     return ChooseReferences(settings, *session, files, GetActiveWindow() ? GetActiveWindow() : owner, paths);
   };
-  WorksetManagerWindow::Open(settings, std::move(services), owner);
+  WorksetManagerWindow* window = new WorksetManagerWindow(settings, std::move(services));
+  host::PortPtr<port::SheetSetManager> sheetSets = sheetsets::CreateSheetSetManager(*session);
+  port::SheetSetManager* component = sheetSets.Get();
+  char modulePath[MAX_PATH] = {};
+  GetModuleFileNameA(ModuleInstance(), modulePath, MAX_PATH);
+  window->AdoptSheetSetDialog(
+      std::move(sheetSets),
+      std::make_unique<SheetSetDialogRunnerWin32>(
+          settings.Backend(), sheetsets::SheetSetTreeServices{component, files, *session->Boxes(), modulePath},
+          settings.Root(), owner));
+  WorksetManagerWindow::Show(window, owner);
 }
 
 }  // namespace tavlet::win32

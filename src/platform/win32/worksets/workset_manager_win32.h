@@ -46,11 +46,16 @@ class WorksetManagerWindow final : public ResizableDialog, private WorksetManage
  public:
   // `settings` holds the placement ("WorkSetDlg") and the list's columns.
   WorksetManagerWindow(const SettingsStore& settings, WorksetManagerServices services);
+  // The sheet-selection dialog the manager's sheet-set button runs, kept as long
+  // as the manager (the host's sheet-set component with it).
+  void AdoptSheetSetDialog(host::PortPtr<port::SheetSetManager> manager,
+                           std::unique_ptr<sheetsets::SheetSetDialogRunner> runner);
   ~WorksetManagerWindow() override;
 
-  // Made from the current resources, shown at once; the object is then the
-  // window's, and deleted with it. Null (and the object deleted) on failure.
-  static WorksetManagerWindow* Open(const SettingsStore& settings, WorksetManagerServices services, HWND owner);
+  // Makes `window` (made with new) from the module's resources and shows it at
+  // once; the object is then the window's, and deleted with it. Null (and the
+  // object deleted) on failure.
+  static WorksetManagerWindow* Show(WorksetManagerWindow* window, HWND owner);
 
   WorksetManager& Logic() { return *logic_; }
   SortableListCtrl& List() { return list_; }
@@ -99,6 +104,8 @@ class WorksetManagerWindow final : public ResizableDialog, private WorksetManage
 
   const SettingsStore& settings_;
   WorksetManagerServices services_;
+  host::PortPtr<port::SheetSetManager> sheetSetManager_;
+  std::unique_ptr<sheetsets::SheetSetDialogRunner> sheetSetRunner_;
   std::unique_ptr<WorksetManager> logic_;
   WorksetFileList list_;
   FilePreviewPanelWindow preview_;
@@ -145,6 +152,14 @@ class WorksetFileSelectorWin32 final : public WorksetFileSelector {
   port::MessageBoxes& boxes_;
   FileSystem& files_;
   HWND owner_;
+};
+
+// The selector the module's menu uses: the dialog over the running module's
+// settings and boxes, owned by the host's frame.
+class RunningModuleFileSelector final : public WorksetFileSelector {
+ public:
+  bool SelectFiles(const std::string& worksetsPath, const std::string& name,
+                   std::vector<DrawingPath>& ticked) override;
 };
 
 // The "管理..." entry: a new manager over the running module, on `owner`.
