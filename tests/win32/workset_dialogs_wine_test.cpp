@@ -19,6 +19,7 @@
 #include "sim/memory_file_system.h"
 #include "sim/sim_host.h"
 #include "support/test_paths.h"
+#include "win32/list_view_text.h"
 #include "text/codepage.h"
 
 namespace tavlet {
@@ -74,15 +75,6 @@ void RunWith(Steps& steps, const std::function<void()>& modal) {
   running = nullptr;
 }
 
-std::string Text(HWND list, int row, int column) {
-  char text[256] = {};
-  LVITEMA item{};
-  item.iSubItem = column;
-  item.pszText = text;
-  item.cchTextMax = sizeof text;
-  SendMessageA(list, LVM_GETITEMTEXTA, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
-  return text;
-}
 
 void Tick(HWND list, int row) {
   LVITEMA item{};
@@ -95,7 +87,13 @@ void Press(HWND dialog, int id) { PostMessageA(dialog, WM_COMMAND, MAKEWPARAM(id
 
 class WorksetDialogs : public ::testing::Test {
  protected:
-  void SetUp() override { RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\Morvane"); }
+  void SetUp() override {
+    RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\Morvane");
+    // A quit message left by an earlier test's frame would end the modal loop at once.
+    MSG message;
+    while (PeekMessageA(&message, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE)) {
+    }
+  }
   void TearDown() override { RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\Morvane"); }
   Win32Registry registry;
   SettingsStore settings{registry, DefaultSettingsRoot()};
@@ -112,7 +110,8 @@ TEST_F(WorksetDialogs, TheFileSelectorGivesTheTickedFilesInTheDialogsOrder) {
   steps.steps = {
       [&](HWND dialog) {
         HWND list = GetDlgItem(dialog, selector_ids::kList);
-        for (int row = 0; row < 3; ++row) seen.push_back(Text(list, row, 0) + "|" + Text(list, row, 1));
+        for (int row = 0; row < 3; ++row)
+          seen.push_back(testing::ListViewText(list, row, 0) + "|" + testing::ListViewText(list, row, 1));
         Press(dialog, IDOK);  // nothing ticked: a box, and the dialog stays
       },
       [&](HWND dialog) {

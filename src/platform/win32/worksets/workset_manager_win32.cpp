@@ -36,6 +36,36 @@ std::set<WorksetManagerWindow*>& OpenManagers() {
   static std::set<WorksetManagerWindow*> open;
   return open;
 }
+
+// The host's message loop knows nothing of these modeless dialogs: a hook on it
+// gives them their keyboard (Tab, arrows, Enter, Escape) as a dialog has it.
+HHOOK dialogKeysHook = nullptr;
+
+LRESULT CALLBACK DialogKeys(int code, WPARAM wParam, LPARAM lParam) noexcept {
+  if (code == HC_ACTION && wParam == PM_REMOVE && lParam) {
+    MSG& message = *reinterpret_cast<MSG*>(lParam);
+    if (message.message >= WM_KEYFIRST && message.message <= WM_KEYLAST) {
+      for (WorksetManagerWindow* window : OpenManagers()) {
+        HWND dialog = window->hwnd();
+        // The in-place editor takes Enter and Escape itself.
+        if (!dialog || window->EditingInPlace()) continue;
+        if ((message.hwnd == dialog || IsChild(dialog, message.hwnd)) && IsDialogMessageA(dialog, &message)) {
+          message.message = WM_NULL;
+          break;
+        }
+      }
+    }
+  }
+  return CallNextHookEx(dialogKeysHook, code, wParam, lParam);
+}
+
+void WatchDialogKeys(bool any) {
+  if (any && !dialogKeysHook) dialogKeysHook = SetWindowsHookExA(WH_GETMESSAGE, DialogKeys, nullptr, GetCurrentThreadId());
+  if (!any && dialogKeysHook) {
+    UnhookWindowsHookEx(dialogKeysHook);
+    dialogKeysHook = nullptr;
+  }
+}
 // The manager's smallest size, in dialog units: the top row and the button row
 // stay usable.
 constexpr long kManagerMinWidth = 200;
@@ -133,6 +163,7 @@ WorksetManagerWindow* WorksetManagerWindow::Show(WorksetManagerWindow* window, H
   }
   window->ownedByWindow_ = true;
   OpenManagers().insert(window);
+  WatchDialogKeys(true);
   ShowWindow(window->hwnd(), SW_SHOW);
   return window;
 }
@@ -146,6 +177,7 @@ void WorksetManagerWindow::AdoptSheetSetDialog(host::PortPtr<port::SheetSetManag
 
 void WorksetManagerWindow::OnFinalMessage() {
   OpenManagers().erase(this);
+  WatchDialogKeys(!OpenManagers().empty());
   if (ownedByWindow_) delete this;
 }
 
@@ -165,6 +197,9 @@ bool WorksetManagerWindow::OnInitDialog() {
   list_.InsertColumn(0, manager_texts::kPathColumn, kPathMode, LVCFMT_LEFT, 300);
   list_.InsertColumn(1, manager_texts::kReadOnlyColumn, kReadOnlyMode, LVCFMT_LEFT, 50);
   list_.EnableEditing(true);
+  list_.onDelete = [this] {
+    if (logic_) logic_->OnRemoveSelected();
+  };
   list_.Initialize(&CompareRowTexts);
   SetWindowSubclass(list, ListSubclass, kEmptyTextSubclassId, reinterpret_cast<DWORD_PTR>(this));
 

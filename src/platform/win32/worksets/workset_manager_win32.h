@@ -8,6 +8,7 @@
 #include <commctrl.h>
 
 #include <deque>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -34,12 +35,19 @@ int CompareRowTexts(std::intptr_t first, std::intptr_t second, const ui::SortSta
 HBITMAP LoadButtonBitmap(HINSTANCE instance, int id);
 
 // The path column edits as text, the read-only column from the list "" or "X".
+// The Delete key removes the selected files from the workset, file and list
+// together, rather than only the rows.
 class WorksetFileList final : public SortableListCtrl {
  public:
   using SortableListCtrl::SortableListCtrl;
   void CellOptions(int, int column, std::vector<std::string>& options) override {
     if (column == 1) options = {"", manager_texts::kReadOnlyMark};
   }
+  bool CanDeleteRows() override {
+    if (onDelete) onDelete();
+    return false;
+  }
+  std::function<void()> onDelete;
 };
 
 class WorksetManagerWindow final : public ResizableDialog, private WorksetManagerView {
@@ -61,6 +69,7 @@ class WorksetManagerWindow final : public ResizableDialog, private WorksetManage
   SortableListCtrl& List() { return list_; }
   FilePreviewPanelWindow& Preview() { return preview_; }
   const std::string& ListEmptyText() const { return emptyText_; }
+  bool EditingInPlace() const { return list_.Editor() != nullptr; }
 
  protected:
   bool OnInitDialog() override;
