@@ -10,6 +10,7 @@
 #include "host/module.h"
 #include "platform/win32/bar/mv_tavlet_win32.h"
 #include "platform/win32/dib_paint.h"
+#include "platform/win32/file_preview_panel_win32.h"
 #include "platform/win32/operations/shell_win32.h"
 #include "platform/win32/raster_gdi.h"
 #include "platform/win32/registry_backend_win32.h"
@@ -97,6 +98,7 @@ void Load(void* pkt, port::HostSession& session) {
 
 void Unload(port::HostSession& session) {
   CloseWorksetManagers();
+  UnregisterPreviewPanelClass();
   TavletEntry(host::kUnloadAppMsg, nullptr, &session);
   UnloadAlphaBlend();
   // A class keeps this DLL's window procedure: it must go before the DLL does.

@@ -210,16 +210,15 @@ bool WorksetManagerWindow::OnInitDialog() {
   preview_.Create(hwnd(), frame, manager_ids::kPreview);
 
   LoadButtonImages();
-  WorksetManagerView& view = *this;
-  logic_ = std::make_unique<WorksetManager>(services_, view);
-  logic_->FillCombo();
-
+  // The system's small icons, shared: the list must not destroy them (LVS_SHAREIMAGELISTS).
   SHFILEINFOA info{};
   auto images = reinterpret_cast<HIMAGELIST>(
       SHGetFileInfoA("C:\\", 0, &info, sizeof info, SHGFI_SYSICONINDEX | SHGFI_SMALLICON));
   if (images) SendMessageA(list, LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(images));
 
-  logic_->OnInitDialog();
+  WorksetManagerView& view = *this;
+  logic_ = std::make_unique<WorksetManager>(services_, view);
+  logic_->OnInitDialog();  // the names, then the workset shown last
   // The placement is looked for a second time under the root given twice, where
   // nothing is ever kept; the layout below runs in any case.
   ui::ResizableDialogState twice = State();
