@@ -7,6 +7,7 @@
 
 #include "dialog_driver.h"
 #include "menu_driver.h"
+#include "preferences_driver.h"
 #include "text/codepage.h"
 #include "platform/win32/bar/preview_strip_win32.h"
 
@@ -42,6 +43,9 @@ const std::map<std::string, Verb>& Verbs() {
       {"quit", {0, 0, "quit"}},
       {"dialog", {2, 4, "dialog TITLE type|select|click|header|size|screenshot|close [ARGS]"}},
       {"worksets", {2, 3, "worksets new NAME [FROM] | worksets check EXPECTED"}},
+      {"preferences", {1, 1, "preferences \"STEP; STEP; ... ok|cancel\""}},
+      {"check-tabs", {1, 1, "check-tabs left|right|top|bottom"}},
+      {"check-setting", {2, 2, "check-setting [SECTION/]KEY VALUE|FACE"}},
   };
   return verbs;
 }
@@ -174,6 +178,10 @@ bool Script::Parse(const std::string& text, std::string& error) {
       error = Where(path_, number) + "expected '" + verb->second.usage + "'";
       return false;
     }
+    if (std::vector<PreferencesStep> steps; step.verb == "preferences" && !ParsePreferencesSteps(first, steps, error)) {
+      error = Where(path_, number) + "preferences: " + error;
+      return false;
+    }
     const bool menu = step.verb == "menu" || step.verb == "menu-screenshot";
     if (step.verb == "click" || step.verb == "dblclick" || step.verb == "rclick" || menu) {
       long a = 0, b = 0;
@@ -304,6 +312,18 @@ bool ScriptRunner::Step(const ScriptStep& step, std::string& error) {
   } else if (verb == "dialog" || verb == "worksets") {
     const DialogStepContext context{demo_, [this](const std::string& p) { return Resolve(p); }, outputFolder_, log_};
     return verb == "dialog" ? RunDialogStep(context, step, error) : RunWorksetsStep(context, step, error);
+  } else if (verb == "preferences") {
+    std::vector<PreferencesStep> steps;
+    return ParsePreferencesSteps(args[0], steps, error) &&
+           DrivePreferences(steps, [this] { demo_.Execute("TLOPTIONS"); }, outputFolder_, log_, error);
+  } else if (verb == "check-tabs") {
+    if (!shot_) {
+      error = "check-tabs: take a screenshot first";
+      return false;
+    }
+    return CheckTabs(*shot_, {shotRect_.left, shotRect_.top}, demo_.Frame(), demo_.MdiClient(), args[0], log_, error);
+  } else if (verb == "check-setting") {
+    return CheckSetting(args[0], args[1], log_, error);
   }
   return true;
 }
@@ -406,16 +426,14 @@ bool ScriptRunner::CheckBar(const ScriptStep& step, std::string& error) {
     error = "check-bar: the bar overlaps the drawing area";
     return false;
   }
-  const std::uint32_t frameColour = Rgb(win32::kCellFrame), activeColour = Rgb(win32::kActiveCellFrame);
+  const std::uint32_t edgeColour = Rgb(win32::CellEdgeColor(false)), activeColour = Rgb(win32::CellEdgeColor(true));
   long seen = 0;
   for (int i = 0;; ++i) {
     RECT cell{};
     if (!CellOnScreen(strip, i, cell)) break;
-    // The cell's left edge, half way down, in the picture's coordinates.
-    const int x = cell.left - shotRect_.left;
-    const int y = (cell.top + cell.bottom) / 2 - shotRect_.top;
-    const std::uint32_t pixel = shot_->At(x, y);
-    if (pixel == frameColour || pixel == activeColour) ++seen;
+    const POINT probe = win32::CellProbe(cell);
+    const std::uint32_t pixel = shot_->At(probe.x - shotRect_.left, probe.y - shotRect_.top);
+    if (pixel == edgeColour || pixel == activeColour) ++seen;
   }
   log_ << "    check-bar: " << seen << " cells drawn in the bar at " << barRect.left - shotRect_.left << ","
        << barRect.top - shotRect_.top << " " << barRect.right - barRect.left << "x" << barRect.bottom - barRect.top

@@ -12,6 +12,7 @@
 #include "bar/bar_model.h"
 #include "host/arx_module.h"
 #include "host/automation.h"
+#include "host/module_extras.h"
 #include "host/module_hooks.h"
 #include "host/port/host_session.h"
 #include "host/port_ptr.h"
@@ -48,6 +49,9 @@ struct ModuleServices {
   operations::OperationShell* shell = nullptr;
   UserEnvironment* user = nullptr;
   content::LayoutChooser* layoutChooser = nullptr;
+  sheetsets::SheetSetDialogRunner* sheetSetDialog = nullptr;
+  // TLSWITCH's popup; none: the switch goes to the previous drawing.
+  SwitcherPopup switcherPopup;
 };
 
 // Copied; must be set before the load message.
@@ -77,6 +81,10 @@ class TavletModule final : private port::WindowMessageWatcher {
   bar::BarModel* Bar() const { return bar_.get(); }
   // The bar's menu and the operations behind it; null without a bar.
   menus::BarMenu* Menu() const { return menu_.get(); }
+  // The switcher and the session list; null without a bar.
+  ModuleExtras* Extras() const { return extras_.get(); }
+  void OnSwitch();
+  void OnRestore();
   ArxModule& Arx() { return arx_; }
   const SettingsStore& Store() const { return store_; }
   const bar::FrameHandles& Frame() const { return frame_; }
@@ -84,6 +92,7 @@ class TavletModule final : private port::WindowMessageWatcher {
   const FrameAreaHook* CommandHostHook() const { return commandHook_.get(); }
   bool HasApplication() const { return static_cast<bool>(application_); }
   bool HasSheetSetManager() const { return static_cast<bool>(sheetSets_); }
+  port::SheetSetManager* SheetSetManager() const { return sheetSets_.Get(); }
 
  private:
   void TAVLET_PORT_CALL Message(port::Window window, unsigned int message, unsigned long long wParam,
@@ -99,6 +108,7 @@ class TavletModule final : private port::WindowMessageWatcher {
   bar::FrameHandles frame_;
   std::unique_ptr<bar::BarModel> bar_;
   std::unique_ptr<menus::BarMenu> menu_;
+  std::unique_ptr<ModuleExtras> extras_;
   std::unique_ptr<FrameAreaHook> mdiHook_;
   std::unique_ptr<FrameAreaHook> commandHook_;
   PortPtr<port::SheetSetManager> sheetSets_;

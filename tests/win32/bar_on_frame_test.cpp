@@ -348,7 +348,7 @@ TEST_F(BarOnFrame, AClickOnACellActivatesItsDrawing) {
   GetWindowRect(FindPreviewStrip(), &strip);
   const std::vector<RECT> cells = Cells();
   ASSERT_EQ(cells.size(), 3u);
-  const COLORREF blue = win32::kActiveCellFrame;
+  const COLORREF blue = win32::CellEdgeColor(true);
   const std::uint32_t activeFrame = (std::uint32_t{GetRValue(blue)} << 16) | (GetGValue(blue) << 8) | GetBValue(blue);
   for (int i = 0; i < 3; ++i) {
     const std::uint32_t pixel = shot.At(cells[i].left - strip.left, (cells[i].top + cells[i].bottom) / 2 - strip.top);
@@ -585,16 +585,17 @@ TEST_F(BarOnFrame, AScriptStopsAtAMissingDrawingAndAScreenshotShowsTheCells) {
   std::ostringstream log;
   ScriptRunner runner(*demo, good, log, folder);
   ASSERT_TRUE(runner.Run(error)) << error << log.str();
-  // The pixels: each cell's frame on the left edge of the picture, in the bar's strip.
+  // The pixels: each cell's label edge, in the bar's strip.
   Picture shot;
   ASSERT_TRUE(ReadBmp(folder + "\\bar.bmp", shot));
   RECT frame{};
   GetWindowRect(demo->Frame(), &frame);
   const std::vector<RECT> cells = Cells();
   ASSERT_EQ(cells.size(), 3u);
-  const COLORREF colours[] = {win32::kCellFrame, win32::kActiveCellFrame};
+  const COLORREF colours[] = {win32::CellEdgeColor(false), win32::CellEdgeColor(true)};
   for (const RECT& cell : cells) {
-    const std::uint32_t pixel = shot.At(cell.left - frame.left, (cell.top + cell.bottom) / 2 - frame.top);
+    const POINT probe = win32::CellProbe(cell);
+    const std::uint32_t pixel = shot.At(probe.x - frame.left, probe.y - frame.top);
     bool framed = false;
     for (COLORREF c : colours)
       framed |= pixel == ((std::uint32_t{GetRValue(c)} << 16) | (GetGValue(c) << 8) | GetBValue(c));

@@ -4,11 +4,17 @@
 
 #include <string>
 
+#include "bar/preview_capture.h"
 #include "bar/strip_actions.h"
+#include "bar/strip_paint.h"
+#include "host/com_error.h"
+#include "platform/win32/bar/gdi_canvas.h"
 #include "platform/win32/bar/preview_strip_win32.h"
 #include "platform/win32/bar/tab_strip_win32.h"
 #include "platform/win32/handles.h"
 #include "platform/win32/port_handles.h"
+#include "platform/win32/raster_gdi.h"
+#include "platform/win32/ui/themed_tab_ctrl.h"
 
 namespace tavlet::win32 {
 
@@ -90,6 +96,7 @@ LRESULT MvTavletWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       const auto* header = reinterpret_cast<const NMHDR*>(lParam);
       if (!header || header->idFrom != static_cast<UINT_PTR>(bar::kTabStripId)) break;
       if (header->code == TCN_SELCHANGING) {
+        if (ThemedTabCtrl* tabs = ThemedTabCtrl::Of(header->hwndFrom)) tabs->OnSelChanging();
         if (!bar::TabSelChanging(bar_.Session(), bar_.Settings())) return 0;
         // Some tab controls move their selection even when the change is
         // refused: the model's selection is put back once the click is over.
@@ -97,6 +104,7 @@ LRESULT MvTavletWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         return 1;
       }
       if (header->code == TCN_SELCHANGE) {
+        if (ThemedTabCtrl* tabs = ThemedTabCtrl::Of(header->hwndFrom)) tabs->OnSelChange();
         bar::TabSelChange(bar_, static_cast<int>(SendMessageA(header->hwndFrom, TCM_GETCURSEL, 0, 0)));
         return 0;
       }
@@ -106,13 +114,21 @@ LRESULT MvTavletWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       // The owner-drawn tabs are drawn by their owner.
       const auto* item = reinterpret_cast<const DRAWITEMSTRUCT*>(lParam);
       if (item && item->CtlType == ODT_TAB && item->CtlID == static_cast<UINT>(bar::kTabStripId)) {
-        DrawTab(*item, bar_.Tabs());
+        DrawTab(*item);
         return TRUE;
       }
       break;
     }
   }
   return Window::OnMessage(message, wParam, lParam);
+}
+
+int MvTavletWindow::OnCreate(CREATESTRUCTA&) {
+  const LOGFONTA font = ToLogFont(bar_.Settings().TabFont);
+  tabFont_ = GdiObject<HFONT>(CreateFontIndirectA(&font));
+  if (tips_.Create(hwnd())) popup_.UseTip(tips_.MenuTip());
+  tips_.Apply();
+  return 0;
 }
 
 void MvTavletWindow::OnDestroy() {
@@ -151,8 +167,19 @@ void MvTavletWindow::OnSize(UINT, int, int) {
 void MvTavletWindow::OnPaint(HDC dc, const RECT&) {
   RECT client{};
   GetClientRect(hwnd(), &client);
-  GdiObject<HBRUSH> brush(CreateSolidBrush(bar_.Settings().Background));
-  FillRect(dc, &client, brush.get());
+  SavedDcState saved(dc);
+  SelectObject(dc, tabFont_.get());
+  GdiCanvas canvas(dc, nullptr, nullptr);
+  try {
+    // A floating bar is on no side: its notice stays level.
+    bar::PaintBar(canvas, FromRect(client), bar_.DrawingCount(), bar_.Floating() ? 0 : bar_.DockSide(),
+                  bar_.Settings().TabFont);
+  } catch (const host::ComError& error) {
+    // The count comes from automation; a failure costs the notice, not the paint.
+    canvas.FillRect(FromRect(client), GetSysColor(COLOR_BTNFACE));
+    const std::string line = "错误在 MvTavlet::OnPaint() - " + error.Description() + "\n";
+    bar_.Session().EditorService()->Print(line.c_str());
+  }
 }
 
 bool MvTavletWindow::OnSetCursor(HWND, UINT, UINT mouseMessage) {
@@ -214,8 +241,10 @@ void MvTavletWindow::EndTracking() {
 void MvTavletWindow::OnLButtonUp(UINT, int, int) {
   EndTracking();
   if (GetCapture() == hwnd()) ReleaseCapture();
-  // The captures of the previews belong to the capture work; the walk itself runs.
-  grip_.OnLButtonUp(bar_, [this] { bar::RefreshAllPreviews(bar_, [](bar::DocEntry&) {}); });
+  auto* strip = dynamic_cast<PreviewStripWindow*>(Window::FromHandle(H(bar_.StripWindow())));
+  grip_.OnLButtonUp(bar_, [this, strip] {
+    if (strip) bar::RefreshAllPreviews(bar_, bar::PreviewCapture(bar_, strip->Geometry()));
+  });
 }
 
 void MvTavletWindow::OnLButtonDblClk(UINT flags, int, int) {

@@ -10,6 +10,8 @@
 #include "bar/bar_model.h"
 #include "bar/docking.h"
 #include "menus/bar_menu.h"
+#include "platform/win32/bar/bar_tips_win32.h"
+#include "platform/win32/handles.h"
 #include "platform/win32/host/window_system_win32.h"
 #include "platform/win32/menus/context_menu_win32.h"
 #include "platform/win32/window.h"
@@ -25,12 +27,15 @@ using CurrentMenu = std::function<menus::BarMenu*()>;
 
 class MvTavletWindow final : public OwnedByWindow {
  public:
-  MvTavletWindow(bar::BarModel& bar, CurrentMenu menu) : bar_(bar), menu_(std::move(menu)) {}
+  MvTavletWindow(bar::BarModel& bar, CurrentMenu menu) : bar_(bar), menu_(std::move(menu)), tips_(bar) {}
   HWND Make(const host::WindowCreation& creation);
   bool Sizing() const { return grip_.Sizing(); }
+  // After the tip settings changed: delays, width and texts of both tips.
+  void ApplyTipSettings() { tips_.Apply(); }
 
  protected:
   LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+  int OnCreate(CREATESTRUCTA& create) override;
   void OnDestroy() override;
   void OnSize(UINT type, int cx, int cy) override;
   void OnPaint(HDC dc, const RECT& area) override;
@@ -54,6 +59,8 @@ class MvTavletWindow final : public OwnedByWindow {
   bar::BarModel& bar_;
   CurrentMenu menu_;
   ContextMenuPopup popup_;
+  BarTips tips_;
+  GdiObject<HFONT> tabFont_;
   bar::GripSizing grip_;
   bool tracking_ = false;
   RECT tracked_{};

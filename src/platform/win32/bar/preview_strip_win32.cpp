@@ -2,33 +2,20 @@
 
 #include <string>
 
+#include "bar/preview_capture.h"
 #include "bar/strip_actions.h"
+#include "bar/strip_paint.h"
+#include "platform/win32/bar/bar_tips_win32.h"
 #include "platform/win32/port_handles.h"
 #include "platform/win32/raster_gdi.h"
 
 namespace tavlet::win32 {
 
-namespace {
+PreviewStripWindow::PreviewStripWindow(bar::BarModel& bar) : bar_(bar), drawDib_(DrawDibOpen()) {}
 
-void Fill(HDC dc, const RECT& r, COLORREF color) {
-  GdiObject<HBRUSH> brush(CreateSolidBrush(color));
-  FillRect(dc, &r, brush.get());
+PreviewStripWindow::~PreviewStripWindow() {
+  if (drawDib_) DrawDibClose(drawDib_);
 }
-
-void Frame(HDC dc, const RECT& r, COLORREF color, int width) {
-  GdiObject<HBRUSH> brush(CreateSolidBrush(color));
-  RECT edge = r;
-  for (int i = 0; i < width && edge.right > edge.left && edge.bottom > edge.top; ++i) {
-    FrameRect(dc, &edge, brush.get());
-    InflateRect(&edge, -1, -1);
-  }
-}
-
-constexpr COLORREF kPictureBack = RGB(255, 255, 255);
-
-}  // namespace
-
-PreviewStripWindow::PreviewStripWindow(bar::BarModel& bar) : bar_(bar) {}
 
 HWND PreviewStripWindow::Make(const RECT& rect, HWND parent, int id, const char* text, DWORD style) {
   if (!RegisterWindowClass("PreviewStrip", CS_DBLCLKS, IDC_ARROW, nullptr)) return nullptr;
@@ -65,6 +52,7 @@ void PreviewStripWindow::Layout() {
   ShowWindow(verticalBar_, SW_HIDE);
   ShowWindow(horizontalBar_, SW_HIDE);
   const bar::StripLayoutResult result = layout_.Layout(bar_.Strip(), bar_.Settings(), frame);
+  if (BarTips* tips = BarTips::Of(bar_)) tips->ResetStripTools(hwnd(), result.tips);
   if (result.scrollBar != bar::StripScrollBar::None) {
     HWND scrollBar = result.scrollBar == bar::StripScrollBar::Vertical ? verticalBar_ : horizontalBar_;
     const RECT r = ToRect(result.scrollBarRect);
@@ -99,68 +87,21 @@ LRESULT PreviewStripWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam
 }
 
 void PreviewStripWindow::OnPaint(HDC dc, const RECT&) {
+  SavedDcState saved(dc);
   RECT client{};
   GetClientRect(hwnd(), &client);
-  Fill(dc, client, bar_.Settings().Background);
-  SelectedObject font(dc, labelFont_.get());
-  TEXTMETRICA metrics{};
-  GetTextMetricsA(dc, &metrics);
-  layout_.titleHeight = bar::TitleHeightFor(metrics.tmHeight);
-  PaintCells(dc);
-}
-
-void PreviewStripWindow::PaintCells(HDC dc) {
-  bar::DocList& list = bar_.Strip();
-  const std::vector<host::WindowRect> cells = layout_.PlaceCells(list, bar_.Settings());
-  const int active = list.ActiveIndex();
-  const auto& entries = list.Entries();
-  for (std::size_t i = 0; i < cells.size() && i < entries.size(); ++i)
-    DrawCell(dc, *entries[i], ToRect(cells[i]), static_cast<int>(i) == active);
-}
-
-void PreviewStripWindow::DrawCell(HDC dc, const bar::DocEntry& entry, const RECT& cell, bool active) {
+  SelectObject(dc, labelFont_.get());
+  GdiCanvas canvas(dc, &glyphs_, drawDib_);
   const BarSettings& settings = bar_.Settings();
-  const long title = layout_.titleHeight;
-  RECT label = cell;
-  RECT picture = cell;
-  if (entry.collapsed) {
-    picture = RECT{};
-  } else if (settings.ShowDwgName) {
-    if (settings.DwgNameAbove) {
-      label.bottom = label.top + title;
-      picture.top = label.bottom;
-    } else {
-      label.top = label.bottom - title;
-      picture.bottom = label.top;
-    }
-  } else {
-    label = RECT{};
-  }
-  if (picture.right > picture.left && picture.bottom > picture.top) {
-    Fill(dc, picture, kPictureBack);
-    if (!entry.previewDib.empty()) {
-      const auto* info = reinterpret_cast<const BITMAPINFO*>(entry.previewDib.data());
-      const auto& header = info->bmiHeader;
-      if (entry.previewDib.size() >= sizeof(BITMAPINFOHEADER) && header.biBitCount == 24) {
-        const unsigned char* bits = entry.previewDib.data() + header.biSize;
-        SetStretchBltMode(dc, HALFTONE);
-        StretchDIBits(dc, picture.left + 1, picture.top + 1, picture.right - picture.left - 2,
-                      picture.bottom - picture.top - 2, 0, 0, header.biWidth, header.biHeight, bits, info,
-                      DIB_RGB_COLORS, SRCCOPY);
-      }
-    }
-  }
-  if (label.right > label.left && label.bottom > label.top) {
-    Fill(dc, label, settings.TitleBack);
-    const std::string name = entry.path.GetName();
-    SetBkMode(dc, TRANSPARENT);
-    SetTextColor(dc, entry.modified ? settings.Modified : entry.path.readOnly ? settings.ReadOnly : settings.TitleText);
-    RECT text = label;
-    InflateRect(&text, -2, 0);
-    DrawTextA(dc, name.c_str(), static_cast<int>(name.size()), &text,
-              DT_SINGLELINE | DT_VCENTER | DT_CENTER | DT_END_ELLIPSIS | DT_NOPREFIX);
-  }
-  Frame(dc, cell, active ? kActiveCellFrame : kCellFrame, active ? 2 : 1);
+  const bar::StripPaintInputs inputs{FromRect(client), settings, bar_.Colors(), *bar_.Session().Documents(),
+                                     settings.LabelFont};
+  BarTips* tips = BarTips::Of(bar_);
+  bar::StripPaintHooks hooks;
+  hooks.capture = [this](bar::DocEntry& entry) { bar::UpdatePreview(bar_, layout_, &entry); };
+  hooks.tip = [this, tips](const bar::DocEntry& entry) {
+    if (tips) tips->UpdateStripTool(hwnd(), entry);
+  };
+  bar::PaintStrip(canvas, inputs, bar_.Strip(), layout_, hooks);
 }
 
 void PreviewStripWindow::OnTimer(UINT_PTR id) {

@@ -4,9 +4,11 @@
 #pragma once
 
 #include <windows.h>
+#include <vfw.h>
 
 #include "bar/bar_model.h"
 #include "bar/preview_layout.h"
+#include "platform/win32/bar/gdi_canvas.h"
 #include "platform/win32/handles.h"
 #include "platform/win32/window.h"
 
@@ -21,13 +23,15 @@ inline constexpr char kCellRectMessage[] = "Tavlet.PreviewStrip.CellRect";
 // coordinates; the answer is the drawing of the cell there, or 0.
 inline constexpr char kDocumentAtMessage[] = "Tavlet.PreviewStrip.DocumentAt";
 
-// The frames of a cell: the active drawing's, and every other's.
-inline constexpr COLORREF kActiveCellFrame = RGB(0, 84, 227);
-inline constexpr COLORREF kCellFrame = RGB(96, 96, 96);
+// Where a screenshot shows that a cell was painted: the left edge of its label
+// (below the picture), in the active drawing's highlight or a raised frame's light.
+inline POINT CellProbe(const RECT& cell) { return {cell.left, cell.bottom - 2}; }
+inline COLORREF CellEdgeColor(bool active) { return GetSysColor(active ? COLOR_ACTIVECAPTION : COLOR_3DHILIGHT); }
 
 class PreviewStripWindow final : public OwnedByWindow {
  public:
   explicit PreviewStripWindow(bar::BarModel& bar);
+  ~PreviewStripWindow() override;
 
   HWND Make(const RECT& rect, HWND parent, int id, const char* text, DWORD style);
   void Layout();
@@ -46,14 +50,13 @@ class PreviewStripWindow final : public OwnedByWindow {
   void OnScroll(bool vertical, int code, int position, HWND bar) override;
 
  private:
-  void PaintCells(HDC dc);
-  void DrawCell(HDC dc, const bar::DocEntry& entry, const RECT& cell, bool active);
-
   bar::BarModel& bar_;
   bar::StripLayout layout_;
   HWND verticalBar_ = nullptr;
   HWND horizontalBar_ = nullptr;
   GdiObject<HFONT> labelFont_;
+  StripGlyphs glyphs_;
+  HDRAWDIB drawDib_ = nullptr;
   UINT cellRectMessage_ = 0;
   UINT documentAtMessage_ = 0;
 };

@@ -3,12 +3,17 @@
 #include <commctrl.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "bar/docking.h"
 #include "platform/win32/handles.h"
 #include "platform/win32/port_handles.h"
+#include "platform/win32/bar/bar_tips_win32.h"
 #include "platform/win32/raster_gdi.h"
+#include "platform/win32/ui/themed_tab_ctrl.h"
+#include "previews/raster/raster.h"
+#include "ui/tab_paint.h"
 #include "platform/win32/window.h"
 #include "platform/win32/window_hook.h"
 
@@ -36,7 +41,9 @@ class TabStripHook final : public WindowHook {
   LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
     switch (message) {
       case WM_PAINT:
-        SyncTabControl(Hooked(), bar_.Tabs());
+        // A tab added, gone or renamed gets its tip tools anew.
+        if (SyncTabControl(Hooked(), bar_.Tabs()))
+          if (BarTips* tips = BarTips::Of(bar_)) tips->ResetTabTools();
         break;
       case WM_LBUTTONDBLCLK: {
         POINT point{static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))};
@@ -81,17 +88,46 @@ bool SyncTabControl(HWND tabs, const bar::TabOrder& order) {
   return !same || selectionMoved;
 }
 
-void DrawTab(const DRAWITEMSTRUCT& item, const bar::TabOrder& order) {
-  const auto& model = order.Tabs();
-  if (item.itemID >= model.size()) return;
-  const bool selected = static_cast<int>(item.itemID) == order.Selected();
-  RECT r = item.rcItem;
-  FillRect(item.hDC, &r, GetSysColorBrush(selected ? COLOR_WINDOW : COLOR_3DFACE));
-  const std::string& text = model[item.itemID].text;
-  SetBkMode(item.hDC, TRANSPARENT);
-  SetTextColor(item.hDC, GetSysColor(COLOR_BTNTEXT));
-  DrawTextA(item.hDC, text.c_str(), static_cast<int>(text.size()), &r,
-            DT_SINGLELINE | DT_VCENTER | DT_CENTER | DT_END_ELLIPSIS | DT_NOPREFIX);
+void DrawTab(const DRAWITEMSTRUCT& item) {
+  HWND tabs = item.hwndItem;
+  const int width = item.rcItem.right - item.rcItem.left, height = item.rcItem.bottom - item.rcItem.top;
+  if (width <= 0 || height <= 0) return;
+  const int orientation = ui::OrientationOf(static_cast<unsigned long>(GetWindowLongPtrA(tabs, GWL_STYLE)));
+  const int turns = ui::OwnerDrawTurns(orientation);
+  // Side tabs are drawn upright, then turned.
+  const int w = turns ? height : width, h = turns ? width : height;
+
+  char text[64] = {};
+  TCITEMA tab{};
+  tab.mask = TCIF_TEXT;
+  tab.pszText = text;
+  tab.cchTextMax = sizeof text;
+  SendMessageA(tabs, TCM_GETITEMA, item.itemID, reinterpret_cast<LPARAM>(&tab));
+
+  MemoryDc memory(CreateCompatibleDC(item.hDC));
+  GdiObject<HBITMAP> bitmap(CreateCompatibleBitmap(item.hDC, w, h));
+  if (!memory.valid() || !bitmap.valid()) return;
+  {
+    SelectedObject selectedBitmap(memory.get(), bitmap.get());
+    RECT all{0, 0, w, h};
+    FillRect(memory.get(), &all, GetSysColorBrush(COLOR_BTNFACE));
+    SelectedObject font(memory.get(), reinterpret_cast<HFONT>(SendMessageA(tabs, WM_GETFONT, 0, 0)));
+    SetBkMode(memory.get(), TRANSPARENT);
+    SetTextColor(memory.get(), GetSysColor(COLOR_BTNTEXT));
+    DrawTextA(memory.get(), text, -1, &all, ui::OwnerDrawFormat((item.itemState & ODS_SELECTED) != 0, orientation));
+    if (!turns) {
+      BitBlt(item.hDC, item.rcItem.left, item.rcItem.top, width, height, memory.get(), 0, 0, SRCCOPY);
+      return;
+    }
+  }
+  std::vector<unsigned char> rgb(static_cast<std::size_t>(w) * h * 3);
+  if (!IS40_HBITMAPToRGB(bitmap.get(), item.hDC, nullptr, rgb.data())) return;
+  int iw = w, ih = h;
+  for (int i = 0; i < turns; ++i) {
+    IS40_QuickRotateImageInPlace(rgb.data(), iw, ih, 0, 3, 0);
+    std::swap(iw, ih);
+  }
+  IS40_DrawRGB(item.hDC, rgb.data(), width, height, h * 3, item.rcItem.left, item.rcItem.top, nullptr);
 }
 
 HWND CreateTabStrip(bar::BarModel& bar, const host::WindowCreation& c) {
@@ -106,6 +142,7 @@ HWND CreateTabStrip(bar::BarModel& bar, const host::WindowCreation& c) {
   const LOGFONTA logFont = ToLogFont(bar.Settings().TabFont);
   HFONT font = CreateFontIndirectA(&logFont);
   SendMessageA(tabs, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
+  ThemedTabCtrl::Attach(tabs);
   auto* hook = new TabStripHook(bar, font);
   if (!hook->Attach(tabs)) delete hook;
 

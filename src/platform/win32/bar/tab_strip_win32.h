@@ -1,4 +1,4 @@
-// TabStrip's window: the system's multi-line tab control, owner-drawn, holding
+// TabStrip's window: a multi-line ThemedTabCtrl, owner-drawn, holding
 // one item per tab of the bar's TabOrder model. The control is brought in line
 // with the model before it paints and before its rows are counted.
 #pragma once
@@ -16,7 +16,8 @@ HWND CreateTabStrip(bar::BarModel& bar, const host::WindowCreation& creation);
 // Makes the control's items and selection those of `order`; true when it changed anything.
 bool SyncTabControl(HWND tabs, const bar::TabOrder& order);
 
-// WM_DRAWITEM of one tab, as the bar reflects it.
-void DrawTab(const DRAWITEMSTRUCT& item, const bar::TabOrder& order);
+// WM_DRAWITEM of one tab, as the bar reflects it: the text drawn upright in a
+// memory bitmap, then turned for a side by the raster operations.
+void DrawTab(const DRAWITEMSTRUCT& item);
 
 }  // namespace tavlet::win32

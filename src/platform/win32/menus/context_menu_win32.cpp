@@ -53,22 +53,12 @@ HMENU RealiseMenu(const menus::MenuEntry& top, std::map<menus::MenuPath, HMENU>*
   return popup;
 }
 
-ContextMenuPopup::~ContextMenuPopup() {
-  if (tip_ && IsWindow(tip_)) DestroyWindow(tip_);
-}
-
 bool ContextMenuPopup::MakeTip(HWND owner) {
-  if (tip_ && IsWindow(tip_) && owner_ == owner) return true;
-  if (tip_ && IsWindow(tip_)) DestroyWindow(tip_);
+  if (!tip_ || !IsWindow(tip_)) return false;
+  if (owner_ == owner) return true;
   owner_ = owner;
-  tip_ = CreateWindowExA(WS_EX_TOPMOST, TOOLTIPS_CLASSA, nullptr, WS_POPUP | TTS_ALWAYSTIP | TTS_NOPREFIX,
-                         CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, owner, nullptr, nullptr, nullptr);
-  if (!tip_) return false;
   TTTOOLINFOA tool = ToolOf(owner, "");
-  SendMessageA(tip_, TTM_ADDTOOLA, 0, reinterpret_cast<LPARAM>(&tool));
-  // A width makes the tip break its text at the members' line ends.
-  SendMessageA(tip_, TTM_SETMAXTIPWIDTH, 0, 600);
-  return true;
+  return SendMessageA(tip_, TTM_ADDTOOLA, 0, reinterpret_cast<LPARAM>(&tool)) != 0;
 }
 
 void ContextMenuPopup::Track(HWND owner, menus::ContextMenu& menu, port::Document document, POINT screen) {

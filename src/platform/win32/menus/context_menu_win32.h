@@ -1,6 +1,6 @@
 // The context menu's popup: the portable tree made into menu handles at the
-// last moment, tracked for the bar, and taken down again; and MenuTip, the tip
-// that lists a workset's members beside its entry while the popup is up.
+// last moment, tracked for the bar, and taken down again; and its use of the
+// bar's MenuTip, which lists a workset's members beside its entry.
 #pragma once
 
 #include <windows.h>
@@ -19,7 +19,6 @@ HMENU RealiseMenu(const menus::MenuEntry& top, std::map<menus::MenuPath, HMENU>*
 class ContextMenuPopup {
  public:
   ContextMenuPopup() = default;
-  ~ContextMenuPopup();
   ContextMenuPopup(const ContextMenuPopup&) = delete;
   ContextMenuPopup& operator=(const ContextMenuPopup&) = delete;
 
@@ -30,6 +29,8 @@ class ContextMenuPopup {
   // WM_MENUSELECT of the tracked popup.
   void OnMenuSelect(menus::ContextMenu& menu, UINT item, UINT flags, HMENU selected);
   void HideTip();
+  // The bar's MenuTip; without one no workset tip shows.
+  void UseTip(HWND tip) { tip_ = tip; }
   HWND Tip() const { return tip_; }
 
  private:

@@ -168,9 +168,7 @@ WorksetManagerWindow* WorksetManagerWindow::Show(WorksetManagerWindow* window, H
   return window;
 }
 
-void WorksetManagerWindow::AdoptSheetSetDialog(host::PortPtr<port::SheetSetManager> manager,
-                                               std::unique_ptr<sheetsets::SheetSetDialogRunner> runner) {
-  sheetSetManager_ = std::move(manager);
+void WorksetManagerWindow::AdoptSheetSetDialog(std::unique_ptr<sheetsets::SheetSetDialogRunner> runner) {
   sheetSetRunner_ = std::move(runner);
   services_.sheetSetDialog = sheetSetRunner_.get();
 }
@@ -575,15 +573,13 @@ void ShowWorksetManager(HWND owner) {
     return ChooseReferences(settings, *session, files, GetActiveWindow() ? GetActiveWindow() : owner, paths);
   };
   WorksetManagerWindow* window = new WorksetManagerWindow(settings, std::move(services));
-  host::PortPtr<port::SheetSetManager> sheetSets = sheetsets::CreateSheetSetManager(*session);
-  port::SheetSetManager* component = sheetSets.Get();
+  // The module's own sheet-set component, which outlives every manager.
   char modulePath[MAX_PATH] = {};
   GetModuleFileNameA(ModuleInstance(), modulePath, MAX_PATH);
-  window->AdoptSheetSetDialog(
-      std::move(sheetSets),
-      std::make_unique<SheetSetDialogRunnerWin32>(
-          settings.Backend(), sheetsets::SheetSetTreeServices{component, files, *session->Boxes(), modulePath},
-          settings.Root(), owner));
+  window->AdoptSheetSetDialog(std::make_unique<SheetSetDialogRunnerWin32>(
+      settings.Backend(),
+      sheetsets::SheetSetTreeServices{running->SheetSetManager(), files, *session->Boxes(), modulePath},
+      settings.Root(), owner));
   WorksetManagerWindow::Show(window, owner);
 }
 

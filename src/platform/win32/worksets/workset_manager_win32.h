@@ -55,9 +55,8 @@ class WorksetManagerWindow final : public ResizableDialog, private WorksetManage
   // `settings` holds the placement ("WorkSetDlg") and the list's columns.
   WorksetManagerWindow(const SettingsStore& settings, WorksetManagerServices services);
   // The sheet-selection dialog the manager's sheet-set button runs, kept as long
-  // as the manager (the host's sheet-set component with it).
-  void AdoptSheetSetDialog(host::PortPtr<port::SheetSetManager> manager,
-                           std::unique_ptr<sheetsets::SheetSetDialogRunner> runner);
+  // as the manager.
+  void AdoptSheetSetDialog(std::unique_ptr<sheetsets::SheetSetDialogRunner> runner);
   ~WorksetManagerWindow() override;
 
   // Makes `window` (made with new) from the module's resources and shows it at
@@ -113,7 +112,6 @@ class WorksetManagerWindow final : public ResizableDialog, private WorksetManage
 
   const SettingsStore& settings_;
   WorksetManagerServices services_;
-  host::PortPtr<port::SheetSetManager> sheetSetManager_;
   std::unique_ptr<sheetsets::SheetSetDialogRunner> sheetSetRunner_;
   std::unique_ptr<WorksetManager> logic_;
   WorksetFileList list_;
