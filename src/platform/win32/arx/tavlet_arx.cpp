@@ -11,6 +11,7 @@
 #include "platform/win32/bar/mv_tavlet_win32.h"
 #include "platform/win32/content/layout_chooser_win32.h"
 #include "platform/win32/dib_paint.h"
+#include "platform/win32/file_preview_panel_win32.h"
 #include "platform/win32/operations/shell_win32.h"
 #include "platform/win32/raster_gdi.h"
 #include "platform/win32/registry_backend_win32.h"
@@ -78,6 +79,7 @@ struct LoadedModule {
   Win32DisplayDefaults display;
   std::unique_ptr<operations::OperationShell> shell;
   Win32UserEnvironment user;
+  RunningModuleFileSelector worksetSelector;
   LayoutChooserWin32 layoutChooser;
   ModuleSheetSetDialog sheetSetDialog;
 };
@@ -116,6 +118,7 @@ void Load(void* pkt, port::HostSession& session) {
   services.sheetSetDialog = &module.sheetSetDialog;
   services.modulePath = ModulePath();
   services.aboutBox = [] { ShowAboutBox(HostFrame()); };
+  services.worksetSelector = &module.worksetSelector;
   services.worksetManager = [] { ShowWorksetManager(HostFrame()); };
   services.preferencesDialog = [] {
     LoadedModule* loaded = Loaded().get();
@@ -127,6 +130,7 @@ void Load(void* pkt, port::HostSession& session) {
 
 void Unload(port::HostSession& session) {
   CloseWorksetManagers();
+  UnregisterPreviewPanelClass();
   TavletEntry(host::kUnloadAppMsg, nullptr, &session);
   UnloadAlphaBlend();
   // A class keeps this DLL's window procedure: it must go before the DLL does.
