@@ -79,7 +79,7 @@ constexpr std::array kDisplay = {
 };
 
 constexpr std::array kExtras = {
-    PreferenceControl{pref::kExtraDrawingCommands, Check, "图纸菜单中的更多操作 (关闭其他、复制路径、在文件夹中显示)"},
+    PreferenceControl{pref::kExtraDrawingCommands, Check, "图纸菜单中的更多操作 (关闭其他图纸、复制完整路径、在文件夹中显示)"},
     PreferenceControl{pref::kCtrlTabSwitcher, Check, "Ctrl+Tab 切换图纸"},
     PreferenceControl{pref::kKeepThumbnails, Check, "保留缩略图 (重新打开时显示)"},
     PreferenceControl{pref::kSheetSetListByEncoding, Check, "按文件编码读取最近的图纸集 (UTF-8)"},
