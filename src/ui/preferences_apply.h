@@ -35,7 +35,8 @@ class PreferencesTarget : public PreferencePagesTarget {
   virtual void RecalcFrameLayout() = 0;
 };
 
-// The additions' settings as stored, each at its default when absent.
+// The additions' settings as stored, each at its default when absent; a
+// missing section is left missing.
 ExtraSettings ReadExtraSettings(const SettingsStore& store);
 // Writes only the settings that differ from `stored`: with the extras page
 // left alone, no key of the section appears.

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/module_extras.h"
+#include "settings/memory_registry.h"
 #include "settings/extra_settings.h"
 #include "sim/module_harness.h"
 #include "ui/preferences_apply.h"
@@ -66,6 +67,25 @@ TEST(PreferencesExtrasPageTest, OpeningChecksTheStoredChoices) {
   EXPECT_EQ(PageOf(pref::kSessionOffer), kExtrasPageId);
   EXPECT_EQ(PageOf(pref::kFontLabel), kDisplayPageId);
   EXPECT_EQ(PageControls(kExtrasPageId).size(), 8u);
+}
+
+TEST(PreferencesExtrasPageTest, ReadingAndSavingLeaveAnUntouchedSectionAlone) {
+  MemoryRegistry registry;
+  SettingsStore store(registry, DefaultSettingsRoot());
+  const std::string section = store.KeyPath(sections::Extras);
+  EXPECT_EQ(ReadExtraSettings(store), ExtraSettings{});
+  SaveExtraSettings(store, {}, {});
+  EXPECT_FALSE(registry.KeyExists(section));
+
+  // Round trip: only what differs from the stored values is written.
+  const ExtraSettings stored{.ctrlTabSwitcher = 1, .sessionRestore = 2};
+  SaveExtraSettings(store, {}, stored);
+  EXPECT_EQ(registry.WriteLog(), (std::vector<std::string>{section + "|SessionRestore", section + "|CtrlTabSwitcher"}));
+  EXPECT_EQ(ReadExtraSettings(store), stored);
+  registry.ClearWriteLog();
+  SaveExtraSettings(store, stored, {.keepThumbnails = 1, .sessionRestore = 2});
+  EXPECT_EQ(registry.WriteLog(), (std::vector<std::string>{section + "|KeepThumbnails", section + "|CtrlTabSwitcher"}));
+  EXPECT_EQ(ReadExtraSettings(store), (ExtraSettings{.keepThumbnails = 1, .sessionRestore = 2}));
 }
 
 // TLOPTIONS on the simulated host, the extras page driven by a script.
