@@ -107,4 +107,22 @@ void ModuleExtras::OfferRestore(operations::DrawingOperations& operations) {
     OnRestore(operations);
 }
 
+void ModuleExtras::ReloadSettings() {
+  const bool record = ReadInt(services_.settings, keys::SessionRestore) > 0;
+  if (record == static_cast<bool>(session_)) return;
+  session_.reset();
+  paths_.clear();
+  if (!record) return;
+  session_ = std::make_unique<operations::SessionRecorder>(services_.files,
+                                                           services_.dataFolder + operations::kSessionFileName);
+  for (const auto& entry : bar_.Strip().Entries()) {
+    const port::Document doc = entry->document;
+    const std::string path = PathOf(doc);
+    paths_.emplace_back(doc, path);
+    bool readOnly = false;
+    if (port::Failed(services_.session.Documents()->IsReadOnly(doc, &readOnly))) readOnly = false;
+    session_->Opened(doc, path, readOnly);
+  }
+}
+
 }  // namespace tavlet::host

@@ -54,6 +54,10 @@ class ModuleExtras final {
   const bar::ActivationOrder& Order() const { return order_; }
   const operations::SessionRecorder* Session() const { return session_.get(); }
 
+  // After the preferences' OK: SessionRestore read again, the session recorder
+  // made (over the drawings open now) or dropped.
+  void ReloadSettings();
+
  private:
   void DocumentCreated(port::Document doc);
   void DocumentToBeDestroyed(port::Document doc);
