@@ -11,7 +11,7 @@
 namespace tavlet::host {
 
 ModuleExtras::ModuleExtras(ExtrasServices services, bar::BarModel& bar) : services_(std::move(services)), bar_(bar) {
-  if (ReadInt(services_.settings, keys::SessionRestore) > 0)
+  if (ReadExtra(services_.settings, keys::SessionRestore) > 0)
     session_ = std::make_unique<operations::SessionRecorder>(services_.files,
                                                              services_.dataFolder + operations::kSessionFileName);
   for (const auto& entry : bar_.Strip().Entries()) DocumentCreated(entry->document);
@@ -98,7 +98,7 @@ void ModuleExtras::OnRestore(operations::DrawingOperations& operations) {
 }
 
 void ModuleExtras::OfferRestore(operations::DrawingOperations& operations) {
-  if (!session_ || ReadInt(services_.settings, keys::SessionRestore) < 2 || session_->LastSession().empty()) return;
+  if (!session_ || ReadExtra(services_.settings, keys::SessionRestore) < 2 || session_->LastSession().empty()) return;
   std::string question = extras_texts::kOfferRestore;
   question.replace(question.find("%d"), 2, std::to_string(session_->LastSession().size()));
   long answer = 0;
@@ -108,7 +108,7 @@ void ModuleExtras::OfferRestore(operations::DrawingOperations& operations) {
 }
 
 void ModuleExtras::ReloadSettings() {
-  const bool record = ReadInt(services_.settings, keys::SessionRestore) > 0;
+  const bool record = ReadExtra(services_.settings, keys::SessionRestore) > 0;
   if (record == static_cast<bool>(session_)) return;
   session_.reset();
   paths_.clear();

@@ -23,9 +23,7 @@ constexpr std::pair<const SettingKey*, int ExtraSettings::*> kExtraKeys[] = {
 
 ExtraSettings ReadExtraSettings(const SettingsStore& store) {
   ExtraSettings extras;
-  // A read opens its key by creating it; with nothing stored, the section is not made here.
-  if (!store.Backend().KeyExists(store.KeyPath(sections::Extras))) return extras;
-  for (const auto& [key, field] : kExtraKeys) extras.*field = ReadInt(store, *key);
+  for (const auto& [key, field] : kExtraKeys) extras.*field = ReadExtra(store, *key);
   return extras;
 }
 
