@@ -93,6 +93,25 @@ void Reduce_Ours(benchmark::State& state) {
   Report(state, before, s.w * s.h);
 }
 
+// The area average held to the plain path, where the processor would allow more.
+void Reduce_OursPlain(benchmark::State& state) {
+  const bool previous = tavlet::raster::AllowVectorAreaPath(false);
+  Reduce_Ours(state);
+  tavlet::raster::AllowVectorAreaPath(previous);
+}
+
+// The floor of any reduction: every source byte read once, summed.
+void Read_Source(benchmark::State& state) {
+  const Size s = kSizes[state.range(0)];
+  const auto source = Capture(s.w, s.h);
+  for (auto _ : state) {
+    std::uint64_t total = 0;
+    for (const std::uint8_t byte : source) total += byte;
+    benchmark::DoNotOptimize(total);
+  }
+  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(s.w) * s.h);
+}
+
 void Reduce_Stb(benchmark::State& state) {
   const Size s = kSizes[state.range(0)];
   const auto source = Capture(s.w, s.h);
@@ -142,6 +161,8 @@ void Pipeline(benchmark::State& state) {
 }
 
 BENCHMARK(Reduce_Ours)->DenseRange(0, 2)->Unit(benchmark::kMicrosecond);
+BENCHMARK(Reduce_OursPlain)->Arg(2)->Unit(benchmark::kMicrosecond);
+BENCHMARK(Read_Source)->Arg(2)->Unit(benchmark::kMicrosecond);
 BENCHMARK(Reduce_Stb)->DenseRange(0, 2)->Unit(benchmark::kMicrosecond);
 BENCHMARK(Sharpen_Thumbnail)->Unit(benchmark::kMicrosecond);
 BENCHMARK(Gamma_Thumbnail)->Unit(benchmark::kMicrosecond);

@@ -14,6 +14,9 @@ for b in build/bench/bench/bench_*; do
   "$b" "$@"
 done
 
+# The capture and the area reduction beside Pillow, measured in the same run.
+bash bench/run_capture.sh
+
 win=build/bench-win64
 cmake --preset win64 -B "$win" -DTAVLET_TESTS=OFF -DTAVLET_BENCH=ON -DCMAKE_BUILD_TYPE=Release >/dev/null
 cmake --build "$win" -j2 >/dev/null

@@ -11,7 +11,7 @@ packages=(g++ cmake ninja-build ccache googletest locales
 case "$purpose" in
   test) packages+=(clang libclang-rt-14-dev) ;;
   demo) packages+=(imagemagick) ;;
-  bench) packages+=(libbenchmark-dev libstb-dev libpugixml-dev wine wine64) ;;
+  bench) packages+=(libbenchmark-dev libstb-dev libpugixml-dev python3-pil wine wine64) ;;
   *) echo "usage: setup.sh [test|demo|bench]" >&2; exit 2 ;;
 esac
 

@@ -208,7 +208,14 @@ DemoHost::DemoHost(std::string modulePath, bool interactive)
 DemoHost::~DemoHost() {
   UnloadModule();
   host_.Documents()->RemoveReactor(this);
-  if (frame_ && IsWindow(frame_)) DestroyWindow(frame_);
+  if (frame_ && IsWindow(frame_)) {
+    DestroyWindow(frame_);
+    // The frame's end posts WM_QUIT for a session's loop; a host taken down by its
+    // owner has no loop left, and the message would end the thread's next modal one.
+    MSG quit;
+    while (PeekMessageA(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE)) {
+    }
+  }
 }
 
 HWND DemoHost::ViewOf(port::Document doc) const {

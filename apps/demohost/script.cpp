@@ -5,7 +5,9 @@
 #include <map>
 #include <sstream>
 
+#include "dialog_driver.h"
 #include "menu_driver.h"
+#include "preferences_driver.h"
 #include "text/codepage.h"
 #include "platform/win32/bar/preview_strip_win32.h"
 
@@ -39,6 +41,11 @@ const std::map<std::string, Verb>& Verbs() {
       {"unload", {0, 0, "unload"}},
       {"load", {0, 0, "load"}},
       {"quit", {0, 0, "quit"}},
+      {"dialog", {2, 4, "dialog TITLE type|select|click|header|size|screenshot|close [ARGS]"}},
+      {"worksets", {2, 3, "worksets new NAME [FROM] | worksets check EXPECTED"}},
+      {"preferences", {1, 1, "preferences \"STEP; STEP; ... ok|cancel\""}},
+      {"check-tabs", {1, 1, "check-tabs left|right|top|bottom"}},
+      {"check-setting", {2, 2, "check-setting [SECTION/]KEY VALUE|FACE"}},
   };
   return verbs;
 }
@@ -171,6 +178,10 @@ bool Script::Parse(const std::string& text, std::string& error) {
       error = Where(path_, number) + "expected '" + verb->second.usage + "'";
       return false;
     }
+    if (std::vector<PreferencesStep> steps; step.verb == "preferences" && !ParsePreferencesSteps(first, steps, error)) {
+      error = Where(path_, number) + "preferences: " + error;
+      return false;
+    }
     const bool menu = step.verb == "menu" || step.verb == "menu-screenshot";
     if (step.verb == "click" || step.verb == "dblclick" || step.verb == "rclick" || menu) {
       long a = 0, b = 0;
@@ -298,6 +309,21 @@ bool ScriptRunner::Step(const ScriptStep& step, std::string& error) {
     if (!demo_.LoadModule(error)) return false;
   } else if (verb == "quit") {
     quit_ = true;
+  } else if (verb == "dialog" || verb == "worksets") {
+    const DialogStepContext context{demo_, [this](const std::string& p) { return Resolve(p); }, outputFolder_, log_};
+    return verb == "dialog" ? RunDialogStep(context, step, error) : RunWorksetsStep(context, step, error);
+  } else if (verb == "preferences") {
+    std::vector<PreferencesStep> steps;
+    return ParsePreferencesSteps(args[0], steps, error) &&
+           DrivePreferences(steps, [this] { demo_.Execute("TLOPTIONS"); }, outputFolder_, log_, error);
+  } else if (verb == "check-tabs") {
+    if (!shot_) {
+      error = "check-tabs: take a screenshot first";
+      return false;
+    }
+    return CheckTabs(*shot_, {shotRect_.left, shotRect_.top}, demo_.Frame(), demo_.MdiClient(), args[0], log_, error);
+  } else if (verb == "check-setting") {
+    return CheckSetting(args[0], args[1], log_, error);
   }
   return true;
 }

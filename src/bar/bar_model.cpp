@@ -29,6 +29,11 @@ void BarModel::SetSortBy(int sortBy) {
   listSettings_.SortBy = sortBy;
 }
 
+void BarModel::SetAutoUpdatePreviews(int autoUpdate) {
+  settings_.AutoUpdatePreviews = autoUpdate;
+  listSettings_.AutoUpdatePreviews = autoUpdate;
+}
+
 long BarModel::DrawingCount() const {
   if (!services_.application) host::RaiseComError(port::kPointer);
   return services_.application.Documents().Count();
@@ -42,6 +47,7 @@ void BarModel::CreateBar() {
                                   host::kWsChild | host::kWsVisible, kBarId, {}});
   strip_ = windows.NewWindow({window_, "PreviewStrip", "Morvane Doc 选项板", host::kWsChild, kPreviewStripId,
                                  {0, 0, 10, 10}});
+  ReloadBackgroundColors();
   LoadWindowSettings(services_.settings, services_.display, settings_);
   tabs_ = windows.NewWindow({window_, "TabStrip", "", host::kWsChild, kTabStripId, {}});
   floatFrame_ = windows.NewWindow({frame.frame, "FloatFrame", "Tavlet", 0, 0, {}});
@@ -75,6 +81,7 @@ void BarModel::OnDocumentCreated(port::Document doc) {
   if (!created_) return;
   list_.AddDocument(doc);
   tabOrder_.AddTab(doc);
+  if (onDocumentEvent) onDocumentEvent(DocumentEvent::Created, doc);
   const long count = DrawingCount();
   if (count == 1) {
     ShowModeChild();
@@ -92,6 +99,7 @@ void BarModel::OnDocumentToBeDestroyed(port::Document doc) {
   if (!created_) return;
   list_.RemoveDocument(doc);
   tabOrder_.RemoveTab(doc);
+  if (onDocumentEvent) onDocumentEvent(DocumentEvent::ToBeDestroyed, doc);
   // The closing drawing is still counted here.
   if (DrawingCount() == 1) {
     currentView_ = nullptr;
@@ -110,6 +118,7 @@ void BarModel::ActivateDocument(port::Document doc) {
   if (port::Failed(services_.session.Frame()->DrawingView(&view))) view = nullptr;
   currentView_ = view;
   if (!TabChanging) tabOrder_.SelectTab(doc);
+  if (onDocumentEvent) onDocumentEvent(DocumentEvent::Activated, doc);
 }
 
 void BarModel::RenameDocument(port::Document doc, const std::string& path) {
@@ -238,7 +247,7 @@ void BarModel::NudgeFrame() { host::NudgeFrame(services_.windows, services_.fram
 
 void BarModel::RedrawFrame() { services_.windows.RedrawWindow(services_.frame.frame, nullptr, host::kRedrawNow); }
 
-void BarModel::ReloadColors() {
+void BarModel::ReloadBackgroundColors() {
   port::ColorSettings colors;
   if (port::Succeeded(services_.session.EditorService()->GetCurrentColors(&colors))) colors_ = colors;
   ++colorReloads_;

@@ -95,8 +95,9 @@ class BarModel : private PreviewStripView {
   void NudgeFrame();
   // The drawing count: Documents.Count of the application, read afresh. Raises ComError.
   long DrawingCount() const;
-  // The host's background and crosshair colours, as the capture uses them.
-  void ReloadColors();
+  // acedGetCurrentColors: the backgrounds that decide a thumbnail's darkness. At
+  // the strip's creation and after the host's options in preview mode.
+  void ReloadBackgroundColors();
   void AddRecentFile(const std::string& path);
   // The menu's lock of one drawing's thumbnail: preview mode only, and only for a
   // drawing the strip lists. Unlocking makes the picture stale; the cell repaints.
@@ -110,6 +111,8 @@ class BarModel : private PreviewStripView {
   bool Floating() const { return settings_.Floating != 0; }
   int DockSide() const { return settings_.DockSide; }
   void SetSortBy(int sortBy);
+  // The list keeps its own copy, so a change must come through here, as SortBy's does.
+  void SetAutoUpdatePreviews(int autoUpdate);
   bool TabChanging = false;
   // The last sizes the frame hooks saw, in the parents' coordinates.
   host::WindowRect commandHostRect;
@@ -122,6 +125,9 @@ class BarModel : private PreviewStripView {
   std::function<long(const host::WindowRect* rect)> selectedTabThickness;
   // Runs at each lay-out of the strip (the window side's layout).
   std::function<void()> onStripLayout;
+  // Told of each drawing the bar adds, removes or sees activated, after the bar.
+  enum class DocumentEvent { Created, ToBeDestroyed, Activated };
+  std::function<void(DocumentEvent, port::Document)> onDocumentEvent;
 
   port::Window Window() const { return window_; }
   port::Window StripWindow() const { return strip_; }

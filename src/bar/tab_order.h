@@ -40,6 +40,8 @@ class TabOrder {
   void SetTabModified(port::Document doc, bool modified);
   // Selects the tab of `doc`; -1 when it has none.
   int SelectTab(port::Document doc);
+  // All tabs made again in the order SortBy now gives, the active drawing's selected.
+  void Resort() { Rebuild(); }
 
   int Find(port::Document doc) const;
   int Selected() const { return selected_; }

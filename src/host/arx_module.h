@@ -59,6 +59,8 @@ class ArxModule {
   // entries stay, so that demand loading goes on working.
   void Unregister();
   void PrintBanner(const std::string& text, char frame);
+  // The registry entries alone, as a change of the load control needs them.
+  void WriteRegistry(long loadCtrl);
 
   // The string resource, or the global name when there is none.
   std::string LocalName(const ArxCommand& command) const;
@@ -79,7 +81,6 @@ class ArxModule {
  private:
   class Thunk;
   void PrintLine(const std::string& body, char frame);
-  void WriteRegistry(long loadCtrl);
 
   port::HostSession& session_;
   WindowSystem& windows_;

@@ -1,5 +1,6 @@
 #include "host/module.h"
 
+#include "bar/strip_actions.h"
 #include "host/com_error.h"
 #include "text/codepage.h"
 
@@ -99,6 +100,9 @@ void TavletModule::Init(void* pkt) {
   arx_.QueueCommand(true, [this] { OnCenter(); }, kCommandGroup, "TLCENTER",
                     "Centers the Tavlet in the screen when floating", 0, -1);
   arx_.QueueCommand(true, [this] { OnCommandCenter(); }, kCommandGroup, "TLCMDCENTER", "No description", 0, -1);
+  // Without a description, so that the load banner stays as it was.
+  arx_.QueueCommand(true, [this] { OnSwitch(); }, kCommandGroup, "TLSWITCH", "", 0, -1);
+  arx_.QueueCommand(true, [this] { OnRestore(); }, kCommandGroup, "TLRESTORE", "", 0, -1);
   arx_.Register(ReadInt(store_, keys::LoadOnCommand) == 0 ? 2 : 4, pkt);
 
   application_ = GetAcadApplication(session_);
@@ -117,8 +121,10 @@ void TavletModule::Init(void* pkt) {
       bar_->CreateBar();
       menu_ = std::make_unique<menus::BarMenu>(menus::BarMenuServices{
           session_, application_, windows, store_, *services_.files, *bar_, services_.shell, services_.user,
-          services_.layoutChooser, nullptr,
-          menus::MenuDialogs{[this] { OnAbout(); }, [this] { OnOptions(); }, nullptr}});
+          services_.layoutChooser, services_.sheetSetDialog,
+          menus::MenuDialogs{[this] { OnAbout(); }, [this] { OnOptions(); }, [this] { OnManageWorksets(); }}});
+      extras_ = std::make_unique<ModuleExtras>(
+          ExtrasServices{session_, store_, *services_.files, menu_->DataFolder(), services_.switcherPopup}, *bar_);
       mdiHook_ = std::make_unique<FrameAreaHook>(windows, *bar_, on_);
       mdiHook_->Attach(frame_.mdiClient);
       commandHook_ = std::make_unique<FrameAreaHook>(windows, *bar_, on_);
@@ -131,6 +137,7 @@ void TavletModule::Init(void* pkt) {
       else OnOff();
       port::Document active = nullptr;
       if (port::Succeeded(session_.Documents()->MdiActiveDocument(&active))) bar_->ActivateDocument(active);
+      extras_->OfferRestore(menu_->Operations());
     }
   }
 
@@ -157,6 +164,7 @@ void TavletModule::Unload() {
     if (!quitting) (*hook)->Detach();
     hook->reset();
   }
+  extras_.reset();
   menu_.reset();
   if (bar_) {
     bar_->DestroyBar();
@@ -170,9 +178,23 @@ void TavletModule::Unload() {
 
 // ---------------------------------------------------------------- commands
 
+void TavletModule::OnSwitch() {
+  if (!extras_ || !bar_) return;
+  extras_->OnSwitch([this](port::Document doc) { return bar::SwitchToDocument(session_, bar_->Settings(), doc); });
+}
+
+void TavletModule::OnRestore() {
+  if (extras_ && menu_) extras_->OnRestore(menu_->Operations());
+}
+
 void TavletModule::OnOptions() {
   ModuleResourceScope resources(*services_.windows);
   if (services_.preferencesDialog) services_.preferencesDialog();
+}
+
+void TavletModule::OnManageWorksets() {
+  ModuleResourceScope resources(*services_.windows);
+  if (services_.worksetManager) services_.worksetManager();
 }
 
 void TavletModule::OnAbout() {

@@ -12,6 +12,7 @@
 #include "bar/bar_model.h"
 #include "host/arx_module.h"
 #include "host/automation.h"
+#include "host/module_extras.h"
 #include "host/module_hooks.h"
 #include "host/port/host_session.h"
 #include "host/port_ptr.h"
@@ -40,10 +41,15 @@ struct ModuleServices {
   // TLOPTIONS and TLABOUT: the dialogs, when the window side provides them.
   std::function<void()> preferencesDialog;
   std::function<void()> aboutBox;
+  // The menu's "管理...": the workset manager, when the window side provides it.
+  std::function<void()> worksetManager;
   // The right-click menu's desktop parts; none: the menu does without them.
   operations::OperationShell* shell = nullptr;
   UserEnvironment* user = nullptr;
   content::LayoutChooser* layoutChooser = nullptr;
+  sheetsets::SheetSetDialogRunner* sheetSetDialog = nullptr;
+  // TLSWITCH's popup; none: the switch goes to the previous drawing.
+  SwitcherPopup switcherPopup;
 };
 
 // Copied; must be set before the load message.
@@ -66,11 +72,17 @@ class TavletModule final : private port::WindowMessageWatcher {
   void OnOn();
   void OnCenter();
   void OnCommandCenter();
+  // The context menu's "管理...".
+  void OnManageWorksets();
 
   bool On() const { return on_; }
   bar::BarModel* Bar() const { return bar_.get(); }
   // The bar's menu and the operations behind it; null without a bar.
   menus::BarMenu* Menu() const { return menu_.get(); }
+  // The switcher and the session list; null without a bar.
+  ModuleExtras* Extras() const { return extras_.get(); }
+  void OnSwitch();
+  void OnRestore();
   ArxModule& Arx() { return arx_; }
   const SettingsStore& Store() const { return store_; }
   const bar::FrameHandles& Frame() const { return frame_; }
@@ -78,6 +90,7 @@ class TavletModule final : private port::WindowMessageWatcher {
   const FrameAreaHook* CommandHostHook() const { return commandHook_.get(); }
   bool HasApplication() const { return static_cast<bool>(application_); }
   bool HasSheetSetManager() const { return static_cast<bool>(sheetSets_); }
+  port::SheetSetManager* SheetSetManager() const { return sheetSets_.Get(); }
 
  private:
   void TAVLET_PORT_CALL Message(port::Window window, unsigned int message, unsigned long long wParam,
@@ -93,6 +106,7 @@ class TavletModule final : private port::WindowMessageWatcher {
   bar::FrameHandles frame_;
   std::unique_ptr<bar::BarModel> bar_;
   std::unique_ptr<menus::BarMenu> menu_;
+  std::unique_ptr<ModuleExtras> extras_;
   std::unique_ptr<FrameAreaHook> mdiHook_;
   std::unique_ptr<FrameAreaHook> commandHook_;
   PortPtr<port::SheetSetManager> sheetSets_;

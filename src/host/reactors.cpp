@@ -137,7 +137,7 @@ void BarEditorReactor::SysVarChanged(const char*, bool) {}
 void BarEditorReactor::PollDrawingState(const std::string& name) {
   if (name.empty()) return;
   if (Bar && Bar->On()) {
-    if (!Bar->TabMode() && IsOneOf(currentCommand, {"CONFIG", "OPTIONS", "PREFERENCES"})) Bar->ReloadColors();
+    if (!Bar->TabMode() && IsOneOf(currentCommand, {"CONFIG", "OPTIONS", "PREFERENCES"})) Bar->ReloadBackgroundColors();
     port::HostSession& session = Bar->Session();
     port::DocManager& documents = *session.Documents();
     port::Document doc = nullptr;

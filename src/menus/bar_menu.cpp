@@ -13,6 +13,8 @@ class NoShell final : public operations::OperationShell {
     return false;
   }
   bool RunPlotDialog(port::Window) override { return false; }
+  bool CopyToClipboard(port::Window, const std::string&) override { return false; }
+  void ShowInFolder(const std::string&) override {}
 };
 
 // Without a dialog to ask, a paper-space view with no layout is declined.
@@ -38,8 +40,9 @@ BarMenu::BarMenu(BarMenuServices s) : fallbacks_(std::make_unique<Fallbacks>()) 
   auto open = [ops = operations_.get()](const DrawingPath& path, bool complain, bool restoreDbmod) {
     ops->OpenFile(path, complain, restoreDbmod);
   };
+  dataFolder_ = DecideDataFolder(user, s.files);
   worksets_ = std::make_unique<WorksetStore>(WorksetServices{s.files, s.settings, *s.session.Boxes(), user,
-                                                             DecideDataFolder(user, s.files), open});
+                                                             dataFolder_, open});
   sheetSets_ = std::make_unique<sheetsets::SheetSetCommands>(
       sheetsets::SheetSetServices{s.session, s.application, s.files, s.settings, shell, open, s.sheetSetDialog,
                                   s.bar.Window(), operations_->hostVersion});

@@ -45,6 +45,9 @@ class BarMenu {
   ContextMenu& Menu() { return *menu_; }
   operations::DrawingOperations& Operations() { return *operations_; }
   WorksetStore& Worksets() { return *worksets_; }
+  sheetsets::SheetSetCommands& SheetSets() { return *sheetSets_; }
+  // The per-user data folder, with its trailing separator.
+  const std::string& DataFolder() const { return dataFolder_; }
 
   // WM_LBUTTONDBLCLK on the bar: with Ctrl the last workset, else the newest
   // recent file.
@@ -53,6 +56,7 @@ class BarMenu {
  private:
   struct Fallbacks;
   std::unique_ptr<Fallbacks> fallbacks_;
+  std::string dataFolder_;
   std::unique_ptr<operations::DrawingOperations> operations_;
   std::unique_ptr<WorksetStore> worksets_;
   std::unique_ptr<sheetsets::SheetSetCommands> sheetSets_;

@@ -73,6 +73,9 @@ class ContextMenu {
   void OnRefreshPreview();
   void OnRefreshAllPreviews();
   void TogglePreviewLock();
+  // The additions behind ExtraDrawingCommands.
+  void OnCopyFullPath();
+  void OnShowInFolder();
 
   // OnMenuSelect: the members of the workset whose entry `id` is, for MenuTip;
   // empty when the item names no workset.
@@ -87,6 +90,8 @@ class ContextMenu {
   void MapFixedCommands();
   // The message map: false when no handler has the id.
   bool RunFixedCommand(int id);
+  bool RunExtraCommand(int id);
+  std::string ContextDocumentPath();
   // The dynamic id's action; true when it returns 1 of its own.
   bool RunListCommand(int id);
   bool OpenWorksetEntry(const DrawingPath& entry);

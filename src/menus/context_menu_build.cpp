@@ -8,6 +8,7 @@
 #include "menus/context_menu.h"
 #include "menus/menu_ids.h"
 #include "menus/menu_text.h"
+#include "settings/extra_settings.h"
 #include "menus/templates.h"
 #include "menus/workset_tip.h"
 #include "settings/settings_table.h"
@@ -200,6 +201,11 @@ void ContextMenu::BuildDrawingBlock(MenuEntry& top, int& nextId) {
   top.Append(ids::Close,
              FormatText(texts::Close, {DocumentNamePart(documents, document, services_.files)}));
   top.Append(ids::OpenFolder, texts::OpenFolder);
+  if (ReadBool(services_.settings, keys::ExtraDrawingCommands)) {
+    top.Append(ids::CloseOthers, texts::CloseOthers);
+    top.Append(ids::CopyFullPath, texts::CopyFullPath);
+    top.Append(ids::ShowInFolder, texts::ShowInFolder);
+  }
   if (!services_.bar.TabMode()) {
     if (const bar::DocEntry* entry = services_.bar.Strip().FindEntry(document)) {
       if (services_.bar.Settings().AutoUpdatePreviews == 0)

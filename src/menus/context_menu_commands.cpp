@@ -7,6 +7,8 @@
 #include "menus/context_menu.h"
 #include "menus/menu_ids.h"
 #include "menus/menu_text.h"
+#include "settings/extra_settings.h"
+#include "text/codepage.h"
 #include "operations/drawing_operations.h"
 
 namespace tavlet::menus {
@@ -47,7 +49,7 @@ void ContextMenu::Guarded(const char* line, Body body) {
 }
 
 bool ContextMenu::OnCommand(int id) {
-  if (id < kFirstListId) return RunFixedCommand(id);
+  if (id < kFirstListId) return RunFixedCommand(id) || RunExtraCommand(id);
   try {
     if (!services_.session.OleLinks()) throw std::string(texts::OleLinkManagerMissing);
     if (RunListCommand(id)) return true;
@@ -102,6 +104,25 @@ void ContextMenu::MapFixedCommands() {
        }},
       {ids::Options, show(dialogs.options)},
   };
+}
+
+// Read at each choice, as the menu reads it at each build: with the setting off
+// the ids mean nothing, like any id no handler has.
+bool ContextMenu::RunExtraCommand(int id) {
+  if (!ReadBool(services_.settings, keys::ExtraDrawingCommands)) return false;
+  switch (id) {
+    case ids::CloseOthers:
+      services_.operations.OnCloseOthers(services_.operations.contextDocument);
+      return true;
+    case ids::CopyFullPath:
+      OnCopyFullPath();
+      return true;
+    case ids::ShowInFolder:
+      OnShowInFolder();
+      return true;
+    default:
+      return false;
+  }
 }
 
 bool ContextMenu::RunFixedCommand(int id) {
@@ -258,6 +279,22 @@ void ContextMenu::OnOpenFolder() {
   if (port::Failed(documents.PathName(context, &path))) path.text.clear();
   // A drawing never saved has an empty folder; the shell is asked all the same.
   services_.shell.OpenWithShell(DrawingPath(path.text, services_.files).GetFolder());
+}
+
+std::string ContextMenu::ContextDocumentPath() {
+  const port::Document context = services_.operations.contextDocument;
+  return context ? bar::DocumentName(*services_.session.Documents(), context) : std::string();
+}
+
+void ContextMenu::OnCopyFullPath() {
+  const std::string path = ContextDocumentPath();
+  if (!path.empty()) services_.shell.CopyToClipboard(services_.bar.Window(), path);
+}
+
+void ContextMenu::OnShowInFolder() {
+  const std::string path = ContextDocumentPath();
+  // A drawing never saved has no file to select.
+  if (text::Mbschr(path, '\\') != std::string::npos) services_.shell.ShowInFolder(path);
 }
 
 void ContextMenu::OnRefreshPreview() {

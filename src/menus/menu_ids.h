@@ -34,6 +34,15 @@ inline constexpr int Options = 4055;
 
 inline constexpr int kFirstListId = 5000;
 
+// The additions' own ids: between the fixed ids and the first list id, where the
+// message map has nothing and no list starts, so with their setting off no id of
+// theirs can mean anything.
+namespace ids {
+inline constexpr int CloseOthers = 4200;
+inline constexpr int CopyFullPath = 4201;
+inline constexpr int ShowInFolder = 4202;
+}  // namespace ids
+
 namespace texts {
 inline constexpr const char SaveAll[] = "保存全部";
 inline constexpr const char CloseAll[] = "关闭全部";
@@ -54,6 +63,9 @@ inline constexpr const char OpenFolder[] = "打开文件夹";
 inline constexpr const char SaveView[] = "保存...";
 inline constexpr const char RefreshPreview[] = "刷新预览";
 inline constexpr const char Options[] = "选项...";
+inline constexpr const char CloseOthers[] = "关闭其他图纸";
+inline constexpr const char CopyFullPath[] = "复制完整路径";
+inline constexpr const char ShowInFolder[] = "在文件夹中显示";
 
 inline constexpr const char NoRecentFiles[] = "空";
 inline constexpr const char RecentFiles[] = "最近打开文件";

@@ -31,6 +31,15 @@ void DrawingOperations::OnCloseAll() {
   });
 }
 
+void DrawingOperations::OnCloseOthers(port::Document keep) {
+  Guarded(lines::CloseOthers, [&] {
+    ModelessNotice(*services_.session.EditorService(), "TL_CloseOthers");
+    Walk([&](const host::AcadDocumentPtr& document) {
+      return DocumentFromAutomation(document) == keep || CloseDrawing(document);
+    });
+  });
+}
+
 void DrawingOperations::SaveAndCloseAll(const char* notice, const char* line, bool quit) {
   Guarded(line, [&] {
     ModelessNotice(*services_.session.EditorService(), notice);

@@ -51,6 +51,7 @@ inline constexpr const char* ExitSaveAll = "未知的错误在 MvTavlet::OnExitS
 inline constexpr const char* SaveView = "未知的错误在 MvTavlet::OnSaveView()!\n";
 inline constexpr const char* RefreshPreview = "未知的错误在 MvTavlet::OnRefreshPreview()!\n";
 inline constexpr const char* OpenFile = "未知的错误在 MvTavlet::OpenFile()!\n";
+inline constexpr const char* CloseOthers = "未知的错误在 Tavlet 关闭其他图纸时!\n";
 }  // namespace lines
 
 // "错误 [0x%08X]\n%s" of a caught automation failure.
@@ -94,6 +95,8 @@ class DrawingOperations {
   void OnCloseAll();
   void OnSaveAndCloseAll();
   void OnCloseAllNoSave();
+  // Close all but `keep`: the questions of the close, and Cancel stops the walk.
+  void OnCloseOthers(port::Document keep);
   void OnExitSaveAll();
   void OnExitNoSave();
   void OnQuickPlotAll();

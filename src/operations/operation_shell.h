@@ -31,6 +31,10 @@ class OperationShell {
   // The modal plot dialog (a shell: nothing fills it, nothing is read from it).
   // True on OK.
   virtual bool RunPlotDialog(port::Window owner) = 0;
+  // Text on the clipboard, owned by `owner`. False when the clipboard is busy.
+  virtual bool CopyToClipboard(port::Window owner, const std::string& text) = 0;
+  // The shell's folder window with the file selected ("/select," of the explorer).
+  virtual void ShowInFolder(const std::string& path) = 0;
 };
 
 // Records which layout a paper-space view was saved from. Without one the

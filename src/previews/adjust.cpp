@@ -26,10 +26,8 @@ AdjustSettings ReadAdjustSettings(const SettingsStore& store, bool darkBackgroun
   return settings;
 }
 
-AdjustedPreview AdjustPreview(const std::uint8_t* raw, std::int32_t rawWidth,
-                              std::int32_t rawHeight, std::int32_t targetWidth,
-                              std::int32_t targetHeight, bool darkBackground,
-                              const AdjustSettings& settings) {
+AdjustedPreview AdjustPreview(const PixelSource& raw, std::int32_t targetWidth, std::int32_t targetHeight,
+                              bool darkBackground, const AdjustSettings& settings) {
   AdjustedPreview preview;
   preview.width = targetWidth;
   preview.height = targetHeight;
@@ -42,7 +40,7 @@ AdjustedPreview AdjustPreview(const std::uint8_t* raw, std::int32_t rawWidth,
 
   // Reduce first: gamma and sharpening then cost per thumbnail pixel, not per
   // screen pixel.
-  if (IS40_ResizeImage(raw, rawWidth, rawHeight, rawWidth * 3, work.get(), targetWidth,
+  if (IS40_ResizeImage(raw.pixels, raw.width, raw.height, raw.stride, work.get(), targetWidth,
                        targetHeight, stride, 3, raster::kResizeReduce, 0) == 0) {
     std::memset(work.get(), darkBackground ? kDarkFill : kLightFill, bytes);
   }
@@ -59,8 +57,23 @@ AdjustedPreview AdjustPreview(const std::uint8_t* raw, std::int32_t rawWidth,
     }
   }
 
-  preview.dib = IS40_RGBToDIB(work.get(), targetWidth, targetHeight, stride, nullptr, 0);
+  preview.dib = IS40_RGBToDIB(work.get(), targetWidth, targetHeight, stride, nullptr,
+                              raw.blueFirst ? raster::kDibKeepChannelOrder : 0);
   return preview;
+}
+
+AdjustedPreview AdjustPreview(const std::uint8_t* raw, std::int32_t rawWidth,
+                              std::int32_t rawHeight, std::int32_t targetWidth,
+                              std::int32_t targetHeight, bool darkBackground,
+                              const AdjustSettings& settings) {
+  const std::int32_t stride = rawWidth > 0 && rawWidth <= INT32_MAX / 3 ? rawWidth * 3 : 0;
+  return AdjustPreview(PixelSource{raw, rawWidth, rawHeight, stride, false}, targetWidth, targetHeight,
+                       darkBackground, settings);
+}
+
+AdjustedPreview AdjustPreview(const PixelSource& raw, std::int32_t targetWidth, std::int32_t targetHeight,
+                              bool darkBackground, const SettingsStore& store) {
+  return AdjustPreview(raw, targetWidth, targetHeight, darkBackground, ReadAdjustSettings(store, darkBackground));
 }
 
 AdjustedPreview AdjustPreview(const std::uint8_t* raw, std::int32_t rawWidth,

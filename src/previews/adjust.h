@@ -35,6 +35,22 @@ struct AdjustedPreview {
 constexpr std::uint8_t kDarkFill = 0;
 constexpr std::uint8_t kLightFill = 255;
 
+// A raw picture of 3 bytes a pixel, rows top-down. Reduction, gamma and
+// sharpening treat the channels alike, so a picture that comes blue first is
+// worked on as it is and only packed the other way round.
+struct PixelSource {
+  const std::uint8_t* pixels = nullptr;
+  std::int32_t width = 0;
+  std::int32_t height = 0;
+  std::int32_t stride = 0;
+  bool blueFirst = false;
+};
+
+AdjustedPreview AdjustPreview(const PixelSource& raw, std::int32_t targetWidth, std::int32_t targetHeight,
+                              bool darkBackground, const AdjustSettings& settings);
+AdjustedPreview AdjustPreview(const PixelSource& raw, std::int32_t targetWidth, std::int32_t targetHeight,
+                              bool darkBackground, const SettingsStore& store);
+
 // `raw` is 3 bytes a pixel, red first, top-down, stride rawWidth x 3.
 AdjustedPreview AdjustPreview(const std::uint8_t* raw, std::int32_t rawWidth,
                               std::int32_t rawHeight, std::int32_t targetWidth,

@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "operations/drawing_operations.h"
+#include "settings/extra_settings.h"
 #include "settings/settings_table.h"
 #include "sheetsets/file_finder.h"
 #include "text/codepage.h"
@@ -39,7 +40,8 @@ void SheetSetCommands::FillSheetSetLists(int& nextId, bool placeholders) {
   host::StringSink root;
   services_.session.Services()->RoamableRootFolder(&root);
   std::vector<std::string> recent;
-  ReadHostSheetSetList(recent, root.text, services_.files);
+  // Read at each fill, so that the preferences take effect at the next menu.
+  ReadHostSheetSetList(recent, root.text, services_.files, ReadBool(services_.settings, keys::SheetSetListByEncoding));
   for (const std::string& path : recent) recentSheetSets.emplace(nextId++, DrawingPath(path, services_.files));
   if (recentSheetSets.empty() && placeholders)
     recentSheetSets.emplace(nextId++, DrawingPath(content::kNotFound, services_.files));

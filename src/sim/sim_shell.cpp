@@ -25,4 +25,12 @@ bool SimShell::RunPlotDialog(port::Window owner) {
   return ok;
 }
 
+bool SimShell::CopyToClipboard(port::Window owner, const std::string& text) {
+  lastOwner_ = owner;
+  calls_.push_back("clipboard " + text);
+  return true;
+}
+
+void SimShell::ShowInFolder(const std::string& path) { calls_.push_back("select " + path); }
+
 }  // namespace tavlet::sim

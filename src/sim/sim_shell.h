@@ -26,7 +26,8 @@ class SimShell final : public operations::OperationShell {
   // OK (true) or Cancel for the next plot dialog. An empty queue cancels.
   void QueuePlotDialogAnswer(bool ok) { plotAnswers_.push_back(ok); }
 
-  // "shell PATH", "browse TITLE from START", "plot dialog", in order.
+  // "shell PATH", "browse TITLE from START", "plot dialog", "clipboard TEXT",
+  // "select PATH", in order.
   const std::vector<std::string>& Calls() const { return calls_; }
   void ClearCalls() { calls_.clear(); }
   port::Window LastOwner() const { return lastOwner_; }
@@ -35,6 +36,8 @@ class SimShell final : public operations::OperationShell {
   bool BrowseForFolder(port::Window owner, const std::string& title, const std::string& start,
                        std::string& chosen) override;
   bool RunPlotDialog(port::Window owner) override;
+  bool CopyToClipboard(port::Window owner, const std::string& text) override;
+  void ShowInFolder(const std::string& path) override;
 
  private:
   std::deque<std::optional<std::string>> folders_;

@@ -316,6 +316,16 @@ std::string FromUtf8(std::string_view utf8) {
   return out;
 }
 
+bool IsValidUtf8(std::string_view s) {
+  for (std::size_t pos = 0; pos < s.size();) {
+    const std::size_t start = pos;
+    DecodeUtf8(s, pos);
+    // A malformed sequence is the only thing that decodes a high byte alone.
+    if (static_cast<unsigned char>(s[start]) >= 0x80 && pos == start + 1) return false;
+  }
+  return true;
+}
+
 std::string ToUtf16Le(std::string_view cp936) {
   std::string out;
   out.reserve(cp936.size() * 2);

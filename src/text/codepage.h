@@ -31,6 +31,8 @@ std::size_t Mbccpy(char* dest, const char* src);                      // _mbccpy
 // become U+FFFD; characters that code page 936 lacks become '?'.
 std::string ToUtf8(std::string_view cp936);
 std::string FromUtf8(std::string_view utf8);
+// No malformed, overlong or surrogate sequence anywhere.
+bool IsValidUtf8(std::string_view s);
 // The same for UTF-16LE without a byte-order mark; an odd last byte is left out.
 std::string ToUtf16Le(std::string_view cp936);
 std::string FromUtf16Le(std::string_view utf16le);

@@ -5,11 +5,10 @@
 namespace tavlet::menus {
 namespace {
 
-const std::string kNone = content::kNotFound;
+constexpr char kImage[] = "D:\\项目\\办公楼\\照片\\入口.jpg";
 
-class MenuCommandTest : public ::testing::Test, public MenuWorld {
- protected:
-  // The plan, active, under the pointer; a.dwg open before it.
+// The plan, active, under the pointer; a.dwg open before it.
+struct PlanWorld : MenuWorld {
   port::Document StartOnPlan() {
     Start();
     h.OpenDrawing("C:\\dwg\\a.dwg");
@@ -39,22 +38,23 @@ class MenuCommandTest : public ::testing::Test, public MenuWorld {
   port::Document plan = nullptr;
 };
 
-TEST_F(MenuCommandTest, TheEmptyRecentEntryActsAsTheFirstWorksetsAll) {
-  AddWorksets("[Site plans]\n文件1=C:\\dwg\\b.dwg,0\n[Other]\n文件1=C:\\dwg\\c.dwg,0\n");
-  h.AddDrawing("C:\\dwg\\b.dwg");
-  Start();
-  Tree(nullptr);
-  ASSERT_EQ(Id(texts::NoRecentFiles), kFirstListId);
-  EXPECT_FALSE(menu->OnCommand(kFirstListId));
-  EXPECT_EQ(Paths(), Lines{"C:\\dwg\\b.dwg"});
-}
+class MenuCommandTest : public ::testing::Test, public PlanWorld {};
 
-TEST_F(MenuCommandTest, TheEmptyRecentEntryWithoutWorksetsDoesNothing) {
-  Start();
-  Tree(nullptr);
-  EXPECT_TRUE(menu->OnCommand(kFirstListId));
-  EXPECT_TRUE(Paths().empty());
-  EXPECT_TRUE(Boxes().empty());
+TEST_F(MenuCommandTest, TheEmptyRecentEntryActsAsTheFirstWorksetsAllOrDoesNothing) {
+  for (bool withWorksets : {true, false}) {
+    SCOPED_TRACE(withWorksets);
+    PlanWorld w;
+    if (withWorksets) {
+      w.AddWorksets("[Site plans]\n文件1=C:\\dwg\\b.dwg,0\n[Other]\n文件1=C:\\dwg\\c.dwg,0\n");
+      w.h.AddDrawing("C:\\dwg\\b.dwg");
+    }
+    w.Start();
+    w.Tree(nullptr);
+    ASSERT_EQ(MenuWorld::IdOf(w.last, texts::NoRecentFiles), kFirstListId);
+    EXPECT_EQ(w.menu->OnCommand(kFirstListId), !withWorksets);
+    EXPECT_EQ(w.Paths(), withWorksets ? Lines{"C:\\dwg\\b.dwg"} : Lines{});
+    EXPECT_TRUE(w.Boxes().empty());
+  }
 }
 
 TEST_F(MenuCommandTest, SelectOfANamedWorksetOpensTheTwinsWholeText) {
@@ -69,22 +69,89 @@ TEST_F(MenuCommandTest, SelectOfANamedWorksetOpensTheTwinsWholeText) {
   EXPECT_EQ(Boxes(), Lines{workset_texts::kNoFiles});
 }
 
+// One entry of the plan's lists chosen after a right click on it.
+TEST(MenuListCommands, EachEntryActsOnThePlan) {
+  using Step = std::function<void(PlanWorld&)>;
+  const Step none = [](PlanWorld&) {};
+  struct Case {
+    const char* what;
+    Step before;  // before the module loads
+    Step after;   // after the right click
+    std::string entry;
+    bool taken;
+    std::size_t questions;
+    std::string layout;
+    Lines actions;
+    bool marked;
+    Lines boxes;
+    std::string transcript;
+    Lines shell;
+  };
+  const Step toLayout1 = [](PlanWorld& w) {
+    w.Object(w.plan).PutActiveLayout(w.Object(w.plan).Layouts().Item("布局1"));
+    w.Tree(w.plan);
+  };
+  const Step image = [](PlanWorld& w) { w.h.files.AddFile(kImage, "jpg"); };
+  // clang-format off
+  const Case cases[] = {
+      {"a model view chosen from a layout goes to model space first", none, toLayout1,
+       "入口", false, 0, "Model", {"view 入口"}, true, {}, "", {}},
+      {"a paper view with its layout zooms on that layout", none, none,
+       "Sheet A", false, 0, "布局1", {"zoom window 0,0 297,210"}, true, {}, "", {}},
+      {"a paper view whose layout is declined does nothing more", none, none,
+       "Old sheet", true, 1, "布局1", {}, false, {}, "", {}},
+      {"choosing the active layout changes nothing", none, none,
+       "Model", false, 0, "Model", {}, false, {}, "", {}},
+      {"another layout", none, none, "Layout2", false, 0, "Layout2", {}, true, {}, "", {}},
+      {"a layer state restores and marks the drawing", none, none,
+       "墙体关闭", false, 0, "Model", {"layer state 墙体关闭", "regen all"}, true, {}, "", {}},
+      {"a failed layer state restore leaves the drawing unmarked", none,
+       [](PlanWorld& w) { w.h.host.Find(w.plan)->content.layerStates.clear(); },
+       "墙体关闭", false, 0, "Model", {}, false, {},
+       "Error restoring layer state 墙体关闭 - eInvalidInput\n", {}},
+      {"a hyperlink holding a URL ends in the missing file box", none, none,
+       "details", false, 0, "Model", {}, false,
+       {"指定路径的文件不存在 -\nhttp://example.com/details"}, "", {}},
+      {"an image that exists goes to the shell", image, none,
+       "入口.jpg", false, 0, "Model", {}, false, {}, "", {std::string("shell ") + kImage}},
+      {"without the OLE link manager a dynamic id ends in its box", none,
+       [](PlanWorld& w) { w.h.host.SetOleLinkManagerMissing(true); },
+       "Layout2", false, 0, "Model", {}, false, {texts::OleLinkManagerMissing}, "", {}},
+      {"an automation failure shows its description alone", none,
+       [](PlanWorld& w) {
+         w.h.host.Faults().Fail("AcadLayouts::Item", 1, port::kFail, "No such layout");
+       },
+       "Layout2", false, 0, "Model", {}, false, {"No such layout"}, "", {}},
+      {"a host exception is the dispatcher's line", none,
+       [](PlanWorld& w) {
+         w.h.host.Faults().Fail("AcadDocument::Activate", 1, port::kHostException, "");
+       },
+       "Layout2", false, 0, "Model", {}, false, {}, texts::UnknownError, {}},
+  };
+  // clang-format on
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    PlanWorld w;
+    c.before(w);
+    w.StartOnPlan();
+    c.after(w);
+    EXPECT_EQ(w.menu->OnCommand(w.Id(c.entry)), c.taken);
+    EXPECT_EQ(w.chooser.asked.size(), c.questions);
+    EXPECT_EQ(w.ActiveLayout(w.plan), c.layout);
+    EXPECT_EQ(w.Actions(w.plan), c.actions);
+    EXPECT_EQ(w.Marked(w.plan), c.marked);
+    EXPECT_EQ(w.Boxes(), c.boxes);
+    EXPECT_EQ(w.h.host.Transcript(), c.transcript);
+    EXPECT_EQ(w.shell.Calls(), c.shell);
+    EXPECT_FALSE(w.h.host.IsLocked(w.plan));
+  }
+}
+
 TEST_F(MenuCommandTest, ARecentFileOpens) {
   StartOnPlan();
   h.host.CloseDrawing(h.host.OpenDocuments().front());
   EXPECT_FALSE(menu->OnCommand(Id("C:\\dwg\\a.dwg")));
   EXPECT_EQ(Paths(), (Lines{kPlanPath, "C:\\dwg\\a.dwg"}));
-}
-
-TEST_F(MenuCommandTest, AModelViewChosenFromALayoutGoesToModelSpaceFirst) {
-  Start();
-  plan = OpenPlan();
-  Object(plan).PutActiveLayout(Object(plan).Layouts().Item("布局1"));
-  Tree(plan);
-  EXPECT_FALSE(menu->OnCommand(Id("入口")));
-  EXPECT_EQ(ActiveLayout(plan), "Model");
-  EXPECT_EQ(Actions(plan), Lines{"view 入口"});
-  EXPECT_TRUE(Marked(plan));
 }
 
 TEST_F(MenuCommandTest, APaperViewWithoutItsLayoutAsksOnceAndRemembers) {
@@ -103,72 +170,14 @@ TEST_F(MenuCommandTest, APaperViewWithoutItsLayoutAsksOnceAndRemembers) {
   EXPECT_EQ(ActiveLayout(plan), "Layout2");
 }
 
-TEST_F(MenuCommandTest, APaperViewWhoseLayoutIsDeclinedDoesNothingMore) {
-  StartOnPlan();
-  EXPECT_TRUE(menu->OnCommand(Id("Old sheet")));
-  EXPECT_EQ(chooser.asked.size(), 1u);
-  EXPECT_TRUE(Actions(plan).empty());
-  EXPECT_FALSE(Marked(plan));
-}
-
-TEST_F(MenuCommandTest, APaperViewWithItsLayoutZoomsOnThatLayout) {
-  StartOnPlan();
-  EXPECT_FALSE(menu->OnCommand(Id("Sheet A")));
-  EXPECT_TRUE(chooser.asked.empty());
-  EXPECT_EQ(ActiveLayout(plan), "布局1");
-  EXPECT_EQ(Actions(plan), Lines{"zoom window 0,0 297,210"});
-}
-
-TEST_F(MenuCommandTest, ChoosingTheActiveLayoutChangesNothing) {
-  StartOnPlan();
-  EXPECT_FALSE(menu->OnCommand(Id("Model")));
-  EXPECT_EQ(ActiveLayout(plan), "Model");
-  EXPECT_FALSE(Marked(plan));
-  EXPECT_FALSE(menu->OnCommand(Id("Layout2")));
-  EXPECT_EQ(ActiveLayout(plan), "Layout2");
-  EXPECT_TRUE(Marked(plan));
-}
-
-TEST_F(MenuCommandTest, ALayerStateRestoresUnderTheLockAndMarksTheDrawing) {
-  StartOnPlan();
-  EXPECT_FALSE(menu->OnCommand(Id("墙体关闭")));
-  EXPECT_EQ(Actions(plan), (Lines{"layer state 墙体关闭", "regen all"}));
-  EXPECT_TRUE(Marked(plan));
-  EXPECT_FALSE(h.host.IsLocked(plan));
-}
-
-TEST_F(MenuCommandTest, AFailedLayerStateRestoreLeavesTheDrawingUnmarkedAndUnlocked) {
-  StartOnPlan();
-  h.host.Find(plan)->content.layerStates.clear();  // gone since the right click
-  EXPECT_FALSE(menu->OnCommand(Id("墙体关闭")));
-  EXPECT_EQ(h.host.Transcript(), "Error restoring layer state 墙体关闭 - eInvalidInput\n");
-  EXPECT_TRUE(Actions(plan).empty());
-  EXPECT_FALSE(Marked(plan));
-  EXPECT_FALSE(h.host.IsLocked(plan));
-}
-
-TEST_F(MenuCommandTest, AHyperlinkHoldingAUrlEndsInTheMissingFileBox) {
-  StartOnPlan();
-  EXPECT_FALSE(menu->OnCommand(Id("details")));
-  EXPECT_EQ(Boxes(), Lines{"指定路径的文件不存在 -\nhttp://example.com/details"});
-  EXPECT_TRUE(shell.Calls().empty());
-}
-
-TEST_F(MenuCommandTest, AnImageThatExistsGoesToTheShell) {
-  h.files.AddFile("D:\\项目\\办公楼\\照片\\入口.jpg", "jpg");
-  StartOnPlan();
-  EXPECT_FALSE(menu->OnCommand(Id("入口.jpg")));
-  EXPECT_EQ(shell.Calls(), Lines{"shell D:\\项目\\办公楼\\照片\\入口.jpg"});
-}
-
 TEST_F(MenuCommandTest, AFoundSheetSetOpensInTheManagerWhenSoSet) {
   h.files.AddFile("D:\\sets\\project.dst", "");
   h.SetSetting(keys::OpenSheetSetInSSM, 1);
   StartOnPlan();
   sheetSets->sheetSetSearchPath = "D:\\sets";
   Tree(plan);
-  EXPECT_NE(DescribeMenu(last).find("  > 找到\n    5003 project\n"), std::string::npos)
-      << text::ToUtf8(DescribeMenu(last));
+  EXPECT_NE(Compact(last).find("> 找到 {5003 project}"), std::string::npos)
+      << text::ToUtf8(Compact(last));
   EXPECT_FALSE(menu->OnCommand(sheetSets->foundSheetSets.begin()->first));
   EXPECT_EQ(h.host.SentCommands(), Lines{"-OPENSHEETSET \"D:\\sets\\project.dst\"\n"});
 }
@@ -237,24 +246,6 @@ TEST_F(MenuCommandTest, AChoiceForADrawingClosedMeanwhileActsOnNothing) {
   const std::string gone = "The document is not open.";
   EXPECT_EQ(Boxes(), (Lines{gone, gone, gone, gone, "错误 [0x80070057]\n" + gone}));
   EXPECT_EQ(h.host.Transcript(), "");
-}
-
-TEST_F(MenuCommandTest, WithoutTheOleLinkManagerADynamicIdEndsInItsBox) {
-  StartOnPlan();
-  h.host.SetOleLinkManagerMissing(true);
-  EXPECT_FALSE(menu->OnCommand(Id("Layout2")));
-  EXPECT_EQ(Boxes(), Lines{texts::OleLinkManagerMissing});
-  EXPECT_EQ(ActiveLayout(plan), "Model");
-}
-
-TEST_F(MenuCommandTest, AnAutomationFailureShowsItsDescriptionAlone) {
-  StartOnPlan();
-  h.host.Faults().Fail("AcadLayouts::Item", 1, port::kFail, "No such layout");
-  EXPECT_FALSE(menu->OnCommand(Id("Layout2")));
-  EXPECT_EQ(Boxes(), Lines{"No such layout"});
-  h.host.Faults().Fail("AcadDocument::Activate", 1, port::kHostException, "");
-  EXPECT_FALSE(menu->OnCommand(Id("Layout2")));
-  EXPECT_EQ(h.host.Transcript(), texts::UnknownError);
 }
 
 TEST_F(MenuCommandTest, TheSmallFixedHandlers) {

@@ -61,6 +61,22 @@ inline std::string Bytes(std::string tree) {
   return tree;
 }
 
+// A menu as text, a line for each entry of its top level, a submenu's entries
+// in braces: "> 布局 {5009 Model | 5010 布局1}".
+inline std::string CompactEntry(const MenuEntry& e);
+inline std::string Compact(const MenuEntry& menu, const char* separator = "\n") {
+  std::string out;
+  for (const MenuEntry& e : menu.children) out += (out.empty() ? "" : separator) + CompactEntry(e);
+  return out;
+}
+inline std::string CompactEntry(const MenuEntry& e) {
+  if (e.IsSeparator()) return "-";
+  std::string out = (e.IsPopup() ? std::string(">") : std::to_string(e.id)) + " " + e.text;
+  if (e.flags & kGrayed) out += " (grayed)";
+  if (e.flags & kChecked) out += " (checked)";
+  return e.IsPopup() ? out + " {" + Compact(e, " | ") + "}" : out;
+}
+
 // Settings go in before Start, as the module reads them at load.
 struct MenuWorld {
   MenuWorld() {

@@ -97,45 +97,32 @@ bool OutsideAPlot(const Injection& i) {
 
 std::vector<Operation> Operations() {
   using namespace lines;
+  const auto nothing = [](World&) {};
+  const auto always = [](const Injection&) { return true; };
+  // The look for an open drawing of that path gives up silently and the open goes on.
+  const auto beforeTheOpen = [](const Injection& i) {
+    return i.position < i.Find("AcadDocuments::Open") - 1;
+  };
+  // clang-format off
   return {
-      {"SaveDrawing", [](World&) {}, [](World& w) { w.ops->SaveDrawing(w.target); }, {SaveAll}},
-      {"CloseDrawing",
-       [](World& w) { QueueYes(w, 1); },
-       [](World& w) { w.ops->CloseDrawing(w.target); },
-       {CloseDrawing, SaveAll},
-       IsNotice,
+      {"SaveDrawing", nothing, [](World& w) { w.ops->SaveDrawing(w.target); }, {SaveAll}},
+      {"CloseDrawing", [](World& w) { QueueYes(w, 1); },
+       [](World& w) { w.ops->CloseDrawing(w.target); }, {CloseDrawing, SaveAll}, IsNotice,
        [](World& w, const Injection& i) {
          // A drawing whose question or save failed is kept with its changes.
          if (!w.host.Find(w.docs[2])->closed && i.call != "AcadDocument::Close") {
            EXPECT_EQ(w.host.Find(w.docs[2])->dbmod, 1);
          }
        }},
-      {"OnClose",
-       [](World& w) { QueueYes(w, 1); },
-       [](World& w) { w.ops->OnClose(); },
-       {Close, CloseDrawing, SaveAll},
-       IsNotice},
-      {"OpenFile",
-       [](World&) {},
+      {"OnClose", [](World& w) { QueueYes(w, 1); }, [](World& w) { w.ops->OnClose(); },
+       {Close, CloseDrawing, SaveAll}, IsNotice},
+      {"OpenFile", nothing,
        [](World& w) { w.ops->OpenFile(DrawingPath("C:\\dwg\\new.dwg", w.files), true, true); },
-       {OpenFile},
-       // The look for an open drawing of that path gives up silently and the open goes on.
-       [](const Injection& i) { return i.position < i.Find("AcadDocuments::Open") - 1; }},
-      {"OpenLastDrawing",
-       [](World& w) { w.recent.AddRecentFile("C:\\dwg\\new.dwg"); },
-       [](World& w) { w.ops->OpenLastDrawing(); },
-       {OpenFile},
-       [](const Injection& i) { return i.position < i.Find("AcadDocuments::Open") - 1; }},
-      {"OnNewDrawing",
-       [](World&) {},
-       [](World& w) { w.ops->OnNewDrawing(); },
-       {},
-       [](const Injection&) { return true; }},
-      {"OnSaveAll",
-       [](World&) {},
-       [](World& w) { w.ops->OnSaveAll(); },
-       {SaveAll},
-       IsNotice,
+       {OpenFile}, beforeTheOpen},
+      {"OpenLastDrawing", [](World& w) { w.recent.AddRecentFile("C:\\dwg\\new.dwg"); },
+       [](World& w) { w.ops->OpenLastDrawing(); }, {OpenFile}, beforeTheOpen},
+      {"OnNewDrawing", nothing, [](World& w) { w.ops->OnNewDrawing(); }, {}, always},
+      {"OnSaveAll", nothing, [](World& w) { w.ops->OnSaveAll(); }, {SaveAll}, IsNotice,
        [](World& w, const Injection& i) {
          EXPECT_EQ(w.windows.LogOf("RedrawWindow"), (Lines{"RedrawWindow MvTavlet 0x105"}));
          // A failed save leaves its drawing alone and the walk goes on; a failed walk stops it.
@@ -143,11 +130,8 @@ std::vector<Operation> Operations() {
            EXPECT_LE(w.Modified(), 1);
          }
        }},
-      {"OnCloseAll",
-       [](World& w) { QueueYes(w, 3); },
-       [](World& w) { w.ops->OnCloseAll(); },
-       {CloseAll, CloseDrawing, SaveAll},
-       IsNotice,
+      {"OnCloseAll", [](World& w) { QueueYes(w, 3); }, [](World& w) { w.ops->OnCloseAll(); },
+       {CloseAll, CloseDrawing, SaveAll}, IsNotice,
        [](World& w, const Injection& i) {
          if (IsNotice(i)) return;
          // The walk runs from the last drawing and ends at the first failure: the
@@ -158,11 +142,8 @@ std::vector<Operation> Operations() {
            }
          EXPECT_FALSE(w.host.Find(w.docs[0])->closed);
        }},
-      {"OnSaveAndCloseAll",
-       [](World& w) { QueueNo(w, 3); },
-       [](World& w) { w.ops->OnSaveAndCloseAll(); },
-       {SaveAndCloseAll, SaveAll},
-       HostsOwnQuestion,
+      {"OnSaveAndCloseAll", [](World& w) { QueueNo(w, 3); },
+       [](World& w) { w.ops->OnSaveAndCloseAll(); }, {SaveAndCloseAll, SaveAll}, HostsOwnQuestion,
        [](World& w, const Injection& i) {
          // Only a failure of the walk or of Close stops it; a failed save is closed all the same
          // (the host's own question, answered Cancel here, keeps it).
@@ -171,65 +152,45 @@ std::vector<Operation> Operations() {
          }
          EXPECT_FALSE(w.host.QuitRequested());
        }},
-      {"OnCloseAllNoSave",
-       [](World& w) { QueueYes(w, 1); },
-       [](World& w) { w.ops->OnCloseAllNoSave(); },
-       {CloseAllNoSave},
-       IsNotice,
+      {"OnCloseAllNoSave", [](World& w) { QueueYes(w, 1); },
+       [](World& w) { w.ops->OnCloseAllNoSave(); }, {CloseAllNoSave}, IsNotice,
        [](World& w, const Injection&) { EXPECT_GE(w.OpenCount(), 1); }},
-      {"OnExitSaveAll",
-       [](World& w) { QueueNo(w, 3); },
-       [](World& w) { w.ops->OnExitSaveAll(); },
-       {ExitSaveAll, SaveAll},
-       HostsOwnQuestion,
+      {"OnExitSaveAll", [](World& w) { QueueNo(w, 3); }, [](World& w) { w.ops->OnExitSaveAll(); },
+       {ExitSaveAll, SaveAll}, HostsOwnQuestion,
        [](World& w, const Injection& i) {
          const bool stops = IsWalkCall(i.call) || i.call == "AcadDocument::Close" ||
                             i.call == "AcadApplication::Quit";
          EXPECT_EQ(w.host.QuitRequested(), !stops);
        }},
-      {"OnExitNoSave",
-       [](World& w) { QueueYes(w, 1); },
-       [](World& w) { w.ops->OnExitNoSave(); },
-       {CloseAllNoSave},
-       IsNotice,
+      {"OnExitNoSave", [](World& w) { QueueYes(w, 1); }, [](World& w) { w.ops->OnExitNoSave(); },
+       {CloseAllNoSave}, IsNotice,
        [](World& w, const Injection& i) {
          EXPECT_EQ(w.host.QuitRequested(), IsNotice(i));
          // Hidden once the question was answered and the frame found; never shown again.
          const bool hidden = IsNotice(i) || i.position > i.Find("FrameWindows::MainFrame");
          EXPECT_EQ(w.windows.Find(w.host.WindowNamed("frame"))->visible, !hidden);
        }},
-      {"OnQuickPlotAll",
-       [](World&) {},
-       [](World& w) { w.ops->OnQuickPlotAll(); },
-       {Close},
-       OutsideAPlot,
+      {"OnQuickPlotAll", nothing, [](World& w) { w.ops->OnQuickPlotAll(); }, {Close}, OutsideAPlot,
        [](World& w, const Injection& i) {
-         port::Value v;
-         w.host.EditorService()->GetVariable("BACKGROUNDPLOT", &v, nullptr);
          const bool restoreFailed = i.call == "Editor::SetVariable" && i.occurrence == 2;
          if (!restoreFailed) {
-           EXPECT_EQ(v.integer, 2);
+           EXPECT_EQ(w.BackgroundPlot(), 2);
          }
          // A failed plot is told and the others go on.
          if (!OutsideAPlot(i)) {
            EXPECT_EQ(w.host.Plots().size(), 2u);
          }
        }},
-      {"OnPlotAll",
-       [](World& w) { w.shell.QueuePlotDialogAnswer(true); },
-       [](World& w) { w.ops->OnPlotAll(); },
-       {Close},
-       OutsideAPlot,
+      {"OnPlotAll", [](World& w) { w.shell.QueuePlotDialogAnswer(true); },
+       [](World& w) { w.ops->OnPlotAll(); }, {Close}, OutsideAPlot,
        [](World& w, const Injection& i) {
          if (!OutsideAPlot(i)) {
            EXPECT_EQ(w.host.Plots().size(), 2u);
          }
        }},
-      {"OnPlot", [](World&) {}, [](World& w) { w.ops->OnPlot(); }, {Close}, IsNotice},
-      {"OnSaveView",
-       [](World& w) { w.host.QueueStringAnswer(port::kRtNormal, "v"); },
-       [](World& w) { w.ops->OnSaveView(); },
-       {SaveView},
+      {"OnPlot", nothing, [](World& w) { w.ops->OnPlot(); }, {Close}, IsNotice},
+      {"OnSaveView", [](World& w) { w.host.QueueStringAnswer(port::kRtNormal, "v"); },
+       [](World& w) { w.ops->OnSaveView(); }, {SaveView},
        // The layout record, last of all, tells only a refused registration, in a
        // line of its own.
        [](const Injection& i) { return IsNotice(i) || i.position > i.Find("AcadLayout::Name"); },
@@ -246,12 +207,10 @@ std::vector<Operation> Operations() {
          EXPECT_EQ(refused,
                    i.call == "DrawingDatabase::AddRegApp" || i.call == "DocManager::LockDocument");
        }},
-      {"OnChangeTemplatePath",
-       [](World& w) { w.shell.QueueFolderAnswer(std::string("D:\\t")); },
-       [](World& w) { w.ops->OnChangeTemplatePath(); },
-       {},
-       [](const Injection&) { return true; }},
+      {"OnChangeTemplatePath", [](World& w) { w.shell.QueueFolderAnswer(std::string("D:\\t")); },
+       [](World& w) { w.ops->OnChangeTemplatePath(); }, {}, always},
   };
+  // clang-format on
 }
 
 std::string Kind(bool hostException) {

@@ -144,6 +144,9 @@ TEST_F(SettingsStoreTest, RestoreWindowPlacementFollowsTheFiveFieldRule) {
       {"1:2:3:4:NORMAL:x", true, {}},
       {"-5:x:7:9z:N", true, {"pos -5 0 12 9"}},
       {"1::3:4:NORMAL", true, {"pos 1 0 2 4"}},
+      {"-10:-20:30:40:zoom", true, {"pos -10 -20 40 60"}},
+      {"a:b:c:d:NORMAL", true, {"pos 0 0 0 0"}},
+      {"\x81\xff garbage \x01", true, {}},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.stored ? c.stored : "(none)");

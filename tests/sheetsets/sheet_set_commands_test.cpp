@@ -141,19 +141,6 @@ TEST_F(SheetSetCommandsTest, ASheetWithoutALayoutFileOpensAnEmptyPath) {
   EXPECT_EQ(opened, (Lines{" rw", "D:\\a.dwg ro"}));
 }
 
-TEST_F(SheetSetCommandsTest, SheetDrawingsGoThroughTheRealOpenSilently) {
-  files.AddFile("D:\\项目\\办公楼\\平面图.dwg", operations::Drawing("D:\\项目\\办公楼\\平面图.dwg"));
-  SheetSetServices services = Services();
-  operations::DrawingOperations ops(Environment::Services());
-  services.openFile = [&](const DrawingPath& p, bool complain, bool restore) { ops.OpenFile(p, complain, restore); };
-  dialog.tick = {"平面图", "剖面图"};  // the second drawing is missing
-  SheetSetCommands sheetSets(services);
-  sheetSets.OpenSheetSet(kSample);
-  ASSERT_EQ(host.OpenDocuments().size(), 1u);
-  EXPECT_EQ(host.Find(host.OpenDocuments()[0])->path, "D:\\项目\\办公楼\\平面图.dwg");
-  EXPECT_TRUE(host.ShownBoxes().empty());
-}
-
 TEST_F(SheetSetCommandsTest, ToggleWritesTheSettingAndAboveSixteenTheVariable) {
   for (const double version : {16.1, 16.0}) {
     SCOPED_TRACE(version);

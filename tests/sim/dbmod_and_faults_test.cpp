@@ -55,17 +55,6 @@ TEST(SimDbmod, CountsChangesAndFallsToZeroOnlyOnASave) {
   }
 }
 
-TEST(SimDbmod, EachDrawingKeepsItsOwnCount) {
-  SimHost host;
-  port::Document a = host.OpenDescription(Description("C:\\a.dwg"), "a.tdd");
-  host.RunCommand("LINE");
-  port::Document b = host.OpenDescription(Description("C:\\b.dwg"), "b.tdd");
-  EXPECT_EQ(EditorDbmod(host), 0);
-  host.Activate(a);
-  EXPECT_EQ(EditorDbmod(host), 1);
-  ASSERT_NE(b, nullptr);
-}
-
 TEST(SimFaults, HitExactlyTheCallAndOccurrenceAsked) {
   struct Case {
     const char* call;
@@ -131,36 +120,6 @@ TEST(SimFaults, AMissingApplicationIsNullAndOtherFailuresRaise) {
   } catch (const host::ComError& e) {
     EXPECT_EQ(e.Bits(), 0x80004003u);
   }
-}
-
-TEST(SimFaults, WithoutAnOleLinkManagerTheBridgeGivesNull) {
-  SimHost host;
-  port::Document a = host.OpenDescription(Description("C:\\a.dwg"), "a.tdd");
-  port::Database db = nullptr;
-  host.Documents()->DatabaseOf(a, &db);
-  host.SetOleLinkManagerMissing(true);
-  EXPECT_FALSE(host::DocumentObjectOf(host, db));
-  host.SetOleLinkManagerMissing(false);
-  host::AcadDocumentPtr one = host::DocumentObjectOf(host, db);
-  host::AcadDocumentPtr two = host::DocumentObjectOf(host, db);
-  EXPECT_EQ(one.Identity(), two.Identity());
-}
-
-TEST(SimEditor, GetStringAnswersFromTheQueueAndTheTranscriptKeepsTheLine) {
-  SimHost host;
-  host.QueueStringAnswer(port::kRtNormal, "前视图");
-  long status = 0;
-  host::StringSink answer;
-  host.EditorService()->GetString(true, "视图名称:", &answer, &status);
-  EXPECT_EQ(status, port::kRtNormal);
-  EXPECT_EQ(answer.text, "前视图");
-  host.EditorService()->GetString(true, "视图名称:", &answer, &status);
-  EXPECT_EQ(status, port::kRtCancel);
-  host.EditorService()->Print("完成\n");
-  EXPECT_EQ(host.Transcript(), "视图名称:前视图\n视图名称:*Cancel*\n完成\n");
-  host.EditorService()->ModelessOperationStart("TL_SaveAll");
-  host.EditorService()->ModelessOperationEnded("TL_SaveAll");
-  EXPECT_EQ(host.Notices(), (std::vector<std::string>{"start TL_SaveAll", "ended TL_SaveAll"}));
 }
 
 }  // namespace

@@ -45,7 +45,8 @@ TEST(Startup, BuildsTheBarInOrderAndAnswersZero) {
     EXPECT_EQ(group, "MVTL");
     names.push_back(name);
   }
-  EXPECT_EQ(names, (std::vector<std::string>{"TLOPTIONS", "TLABOUT", "TLOFF", "TLON", "TLCENTER", "TLCMDCENTER"}));
+  EXPECT_EQ(names, (std::vector<std::string>{"TLOPTIONS", "TLABOUT", "TLOFF", "TLON", "TLCENTER", "TLCMDCENTER",
+                                             "TLSWITCH", "TLRESTORE"}));
   EXPECT_NE(h.host.Transcript().find("LOADED"), std::string::npos);
   EXPECT_TRUE(h.host.ShownBoxes().empty());
 
@@ -77,7 +78,7 @@ TEST(Startup, WithoutAnApplicationObjectOnlyTheCommandsRemain) {
   ASSERT_EQ(h.host.ShownBoxes().size(), 1u);
   EXPECT_EQ(h.host.ShownBoxes()[0].text, kNoApplication);
   EXPECT_EQ(h.Bar(), nullptr);
-  EXPECT_EQ(h.host.RegisteredCommands().size(), 6u);
+  EXPECT_EQ(h.host.RegisteredCommands().size(), 8u);
   h.windows.ClearLog();
   for (const char* c : {"TLOFF", "TLON", "TLCMDCENTER", "TLOFF"}) EXPECT_TRUE(h.host.RunRegisteredCommand(c));
   EXPECT_FALSE(h.Module()->On());
@@ -96,7 +97,7 @@ TEST(Startup, AnyMissingWindowStopsTheBar) {
     EXPECT_EQ(h.Bar(), nullptr) << missing;
     EXPECT_TRUE(h.windows.LogOf("CreateWindow").empty()) << missing;
     EXPECT_TRUE(h.windows.LogOf("AttachHook").empty()) << missing;
-    EXPECT_EQ(h.host.RegisteredCommands().size(), 6u) << missing;
+    EXPECT_EQ(h.host.RegisteredCommands().size(), 8u) << missing;
   }
 }
 

@@ -162,18 +162,5 @@ TEST_F(WorksetStoreTest, SelectAndOpenOpensTheTickedFilesInDialogOrder) {
   EXPECT_EQ(ReadString(store, keys::LastWorkset), "Before");
 }
 
-TEST_F(WorksetStoreTest, OpenWorksetGoesThroughTheDrawingOperations) {
-  files.AddFile("C:\\dwg\\1.dwg", operations::Drawing("C:\\dwg\\1.dwg"));
-  files.AddFile("C:\\docs\\note.txt", "hello");
-  UseFile("[W]\r\n文件1=C:\\dwg\\1.dwg,1\r\n文件2=C:\\gone.dwg,0\r\n文件3=C:\\docs\\note.txt,0\r\n");
-  WorksetStore worksets(Services());
-  worksets.OpenWorkset("W");
-  ASSERT_EQ(host.OpenDocuments().size(), 1u);
-  EXPECT_EQ(host.Find(host.OpenDocuments()[0])->path, "C:\\dwg\\1.dwg");
-  EXPECT_TRUE(host.Find(host.OpenDocuments()[0])->readOnly);
-  EXPECT_EQ(BoxTexts(), (Lines{"指定路径的文件不存在 -\nC:\\gone.dwg"}));
-  EXPECT_EQ(shell.Calls(), (Lines{"shell C:\\docs\\note.txt"}));
-}
-
 }  // namespace
 }  // namespace tavlet

@@ -7,32 +7,20 @@ namespace {
 
 class WorksetsPathTest : public ::testing::Test, public WorksetWorld {};
 
-TEST_F(WorksetsPathTest, EachStepOfThePrecedence) {
-  struct Case {
-    const char* name;
-    const char* stored;
-    bool company, besideModule, userKnown;
-    const char* expected;
-  } cases[] = {
-      {"stored wins over an office file", "E:\\Shared\\team.worksets", true, true, true, "E:\\Shared\\team.worksets"},
-      {"office file beside the module", "", true, true, true, "C:\\Module\\Company.worksets"},
-      {"no logon name: the office name all the same", "", false, true, false, "C:\\Module\\Company.worksets"},
-      {"user file beside the module", "", false, true, true, "C:\\Module\\mei.worksets"},
-      {"the data folder, existing or not", "", false, false, true, kUserFile},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
+// The precedence itself is the settings' rule; the store asks it once and enters
+// the answer in the settings, where it holds from then on.
+TEST_F(WorksetsPathTest, TheStoreDecidesOnceAndAStoredPathWins) {
+  for (const char* stored : {"", "E:\\Shared\\team.worksets"}) {
+    SCOPED_TRACE(stored);
     WorksetWorld world;
-    WriteString(world.store, keys::WorksetsPath, c.stored);
-    if (c.company) world.files.AddFile("C:\\Module\\Company.worksets", "");
-    if (c.besideModule) world.files.AddFile("C:\\Module\\mei.worksets", "");
-    world.user.hasUser = c.userKnown;
+    WriteString(world.store, keys::WorksetsPath, stored);
+    world.files.AddFile("C:\\Module\\mei.worksets", "");
+    const std::string expected = *stored ? stored : "C:\\Module\\mei.worksets";
     WorksetStore worksets(world.Services(true));
-    EXPECT_EQ(worksets.GetWorksetsPath(), c.expected);
-    // The decision is entered in the settings and holds from then on.
-    EXPECT_EQ(ReadString(world.store, keys::WorksetsPath), c.expected);
+    EXPECT_EQ(worksets.GetWorksetsPath(), expected);
+    EXPECT_EQ(ReadString(world.store, keys::WorksetsPath), expected);
     world.files.AddFile("C:\\Module\\Company.worksets", "");
-    EXPECT_EQ(worksets.GetWorksetsPath(), c.expected);
+    EXPECT_EQ(worksets.GetWorksetsPath(), expected);
   }
 }
 

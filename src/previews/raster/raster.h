@@ -67,6 +67,11 @@ constexpr std::uint32_t kSharpen16Bit = 0x200;
 constexpr std::uint32_t kTextFlipVertical = 0x2;
 constexpr std::uint32_t kTextWide = 0x4;
 
+// The area average of 3-byte pixels runs vectorised where the processor allows;
+// false keeps it on the plain path, so that tests can hold both to the same
+// results. Returns whether the vector path was allowed before.
+bool AllowVectorAreaPath(bool allow);
+
 }  // namespace raster
 
 // A packed bitmap (40-byte header, rows bottom-up BGR padded to 4 bytes) of the

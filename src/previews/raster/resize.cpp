@@ -3,7 +3,12 @@
 #include <algorithm>
 #include <cstring>
 #include <new>
+#include <utility>
 #include <vector>
+
+#if defined(__GNUC__) && defined(__x86_64__)
+#include <immintrin.h>
+#endif
 
 #include "previews/raster/raster.h"
 #include "previews/raster/raster_checks.h"
@@ -134,6 +139,138 @@ Span MakeSpan(std::int32_t index, double ratio, std::int32_t sourceSize) {
   return {left, rightEnd - left, leftWeight, rightWeight, sum};
 }
 
+#if defined(__GNUC__) && defined(__x86_64__)
+#define TAVLET_AREA_AVX2 1
+
+bool vectorAllowed = true;
+
+bool HasAvx2() {
+  static const bool has = __builtin_cpu_supports("avx2") != 0;
+  return has && vectorAllowed;
+}
+
+// Lanes 0..2 are the pixel's channels; lane 3 takes the next byte and is never read.
+// A byte v below the bits of 2^52 makes the double 2^52 + v exactly, and taking
+// 2^52 away leaves v: fewer shuffles than the conversion instruction needs.
+__attribute__((target("avx2"))) inline __m256d LoadPixel(const std::uint8_t* p) {
+  const __m256i magic = _mm256_set1_epi64x(0x4330000000000000LL);
+  const __m256i biased = _mm256_or_si256(_mm256_cvtepu8_epi64(_mm_loadu_si32(p)), magic);
+  return _mm256_sub_pd(_mm256_castsi256_pd(biased), _mm256_castsi256_pd(magic));
+}
+
+// One source row's terms of a destination column: the first source pixel with
+// its weight, `middle` pixels of weight 1 (times the row's weight), and the last
+// pixel with its weight when the span has two or more.
+struct ColumnTerms {
+  std::size_t offset;  // of the first pixel in the row
+  std::int32_t middle;
+  bool hasLast;
+  double firstWeight, lastWeight;  // times the row's weight
+};
+
+// Adds the terms of up to eight destination columns into their sums, side by
+// side but each in the plain loop's order: first, middle, last. Interior pixels
+// of an interior row have the weight 1.0 exactly, and p x 1.0 is p, so there
+// they are only added. Only multiplications and additions, no fused
+// multiply-add, which would round differently: the function is built for AVX2
+// without FMA. `common` is the fewest middle pixels of any column.
+template <int kLanes, bool kUnitRow>
+__attribute__((target("avx2"))) inline void AddTerms(const std::uint8_t* row, const ColumnTerms* terms,
+                                                     std::int32_t common, double rowWeight, double* sums) {
+  __m256d s[kLanes];
+  const std::uint8_t* first[kLanes];
+  for (int q = 0; q < kLanes; ++q) {
+    first[q] = row + terms[q].offset;
+    s[q] = _mm256_add_pd(_mm256_loadu_pd(sums + 4 * q),
+                         _mm256_mul_pd(LoadPixel(first[q]), _mm256_set1_pd(terms[q].firstWeight)));
+  }
+  const __m256d weight = _mm256_set1_pd(rowWeight);
+  for (std::int32_t k = 1; k <= common; ++k) {
+    for (int q = 0; q < kLanes; ++q) {
+      const __m256d v = LoadPixel(first[q] + 3 * k);
+      s[q] = _mm256_add_pd(s[q], kUnitRow ? v : _mm256_mul_pd(v, weight));
+    }
+  }
+  for (int q = 0; q < kLanes; ++q) {
+    for (std::int32_t k = common + 1; k <= terms[q].middle; ++k) {
+      const __m256d v = LoadPixel(first[q] + 3 * k);
+      s[q] = _mm256_add_pd(s[q], kUnitRow ? v : _mm256_mul_pd(v, weight));
+    }
+    if (terms[q].hasLast) {
+      const __m256d v = LoadPixel(first[q] + 3 * (terms[q].middle + 1));
+      s[q] = _mm256_add_pd(s[q], _mm256_mul_pd(v, _mm256_set1_pd(terms[q].lastWeight)));
+    }
+    _mm256_storeu_pd(sums + 4 * q, s[q]);
+  }
+}
+
+template <bool kUnitRow>
+__attribute__((target("avx2"))) void AddRow(const std::uint8_t* row, const std::vector<ColumnTerms>& terms,
+                                            std::int32_t common, double rowWeight, double* sums) {
+  const std::size_t count = terms.size();
+  std::size_t x = 0;
+  // Eight sums grow side by side, so that the latency of each addition is hidden.
+  for (; x + 8 <= count; x += 8) AddTerms<8, kUnitRow>(row, &terms[x], common, rowWeight, sums + 4 * x);
+  for (; x < count; ++x) AddTerms<1, kUnitRow>(row, &terms[x], common, rowWeight, sums + 4 * x);
+}
+
+std::int32_t AreaAverageAvx2(const RasterCall& call, const Image& source, const Target& target,
+                             const std::vector<Span>& columns, double yr) {
+  std::vector<ColumnTerms> terms, scaled;
+  std::vector<double> sums;
+  std::vector<std::uint8_t> lastRow;
+  try {
+    terms.reserve(columns.size());
+    for (const Span& span : columns) {
+      terms.push_back({static_cast<std::size_t>(span.first) * 3, std::max(span.count - 2, 0), span.count > 1,
+                       span.firstWeight, span.lastWeight});
+    }
+    scaled = terms;
+    sums.resize(columns.size() * 4);
+    // Each pixel is read as 4 bytes; the bottom row gets a copy with room for the
+    // byte past its end.
+    lastRow.resize(static_cast<std::size_t>(source.width) * 3 + 1);
+  } catch (const std::bad_alloc&) {
+    return kOutOfMemory;
+  }
+  std::int32_t common = terms.front().middle;
+  for (const ColumnTerms& t : terms) common = std::min(common, t.middle);
+  const std::uint8_t* bottom = source.pixels + static_cast<std::size_t>(source.height - 1) * source.stride;
+  std::memcpy(lastRow.data(), bottom, static_cast<std::size_t>(source.width) * 3);
+
+  for (std::int32_t y = 0; y < target.height; ++y) {
+    const Span rows = MakeSpan(y, yr, source.height);
+    std::fill(sums.begin(), sums.end(), 0.0);
+    for (std::int32_t j = 0; j < rows.count; ++j) {
+      const double rowWeight = j == 0 ? rows.firstWeight : j == rows.count - 1 ? rows.lastWeight : 1.0;
+      const std::int32_t index = rows.first + j;
+      const std::uint8_t* row = index == source.height - 1
+                                    ? lastRow.data()
+                                    : source.pixels + static_cast<std::size_t>(index) * source.stride;
+      if (rowWeight == 1.0) {
+        AddRow<true>(row, terms, common, rowWeight, sums.data());
+        continue;
+      }
+      // The plain loop's weight of each pixel is (row weight x column weight).
+      for (std::size_t x = 0; x < terms.size(); ++x) {
+        scaled[x].firstWeight = rowWeight * terms[x].firstWeight;
+        scaled[x].lastWeight = rowWeight * terms[x].lastWeight;
+      }
+      AddRow<false>(row, scaled, common, rowWeight, sums.data());
+    }
+    std::uint8_t* out = target.pixels + static_cast<std::size_t>(y) * target.stride;
+    for (std::int32_t x = 0; x < target.width; ++x, out += 3) {
+      const double area = columns[static_cast<std::size_t>(x)].sum * rows.sum;
+      const double* sum = &sums[static_cast<std::size_t>(x) * 4];
+      for (std::int32_t c = 0; c < 3; ++c) out[c] = ClampToByte(static_cast<std::int32_t>(sum[c] / area));
+    }
+    if (!call.Continue(y, target.height)) return kStoppedByCallback;
+  }
+  return kOk;
+}
+#endif
+
+
 // Every source pixel counts with (row weight x column weight); the sum of each
 // destination pixel is built row by row, column by column, in the same order as a
 // plain per-pixel loop, so that the truncated results agree to the bit.
@@ -169,6 +306,9 @@ std::int32_t AreaAverage(const RasterCall& call, const Image& source, const Targ
     return kOutOfMemory;
   }
 
+#ifdef TAVLET_AREA_AVX2
+  if (bytes == 3 && HasAvx2()) return AreaAverageAvx2(call, source, target, columns, yr);
+#endif
   for (std::int32_t y = 0; y < target.height; ++y) {
     const Span rows = MakeSpan(y, yr, source.height);
     std::fill(sums.begin(), sums.end(), 0.0);
@@ -225,6 +365,16 @@ std::int32_t AreaAverage(const RasterCall& call, const Image& source, const Targ
 }
 
 }  // namespace
+
+bool AllowVectorAreaPath(bool allow) {
+#ifdef TAVLET_AREA_AVX2
+  return std::exchange(vectorAllowed, allow);
+#else
+  (void)allow;
+  return false;
+#endif
+}
+
 }  // namespace raster
 
 int IS40_ResizeImage(const unsigned char* source, std::int32_t width, std::int32_t height,

@@ -9,12 +9,16 @@
 
 #include "host/module.h"
 #include "platform/win32/bar/mv_tavlet_win32.h"
+#include "platform/win32/content/layout_chooser_win32.h"
 #include "platform/win32/dib_paint.h"
 #include "platform/win32/operations/shell_win32.h"
 #include "platform/win32/raster_gdi.h"
 #include "platform/win32/registry_backend_win32.h"
+#include "platform/win32/settings/preferences_win32.h"
+#include "platform/win32/sheetsets/sheet_set_dialog_win32.h"
 #include "platform/win32/ui/about_box_win32.h"
 #include "platform/win32/window.h"
+#include "platform/win32/worksets/workset_manager_win32.h"
 #include "platform/win32/host/window_system_win32.h"
 
 namespace tavlet::win32 {
@@ -35,18 +39,47 @@ std::string ModulePath() {
   return path;
 }
 
+HWND HostFrame() {
+  host::TavletModule* running = host::CurrentModule();
+  return running ? reinterpret_cast<HWND>(running->Frame().frame) : nullptr;
+}
+
+// The sheet-selection dialog over the sheet-set component the running module
+// holds when it is asked: the component comes after the menu at load.
+class ModuleSheetSetDialog final : public sheetsets::SheetSetDialogRunner {
+ public:
+  ModuleSheetSetDialog(port::HostSession& session, RegistryBackend& registry) : session_(session), registry_(registry) {}
+  bool Run(const std::string& path, std::vector<std::string>& selectedFiles) override {
+    host::TavletModule* running = host::CurrentModule();
+    if (!running) return false;
+    SheetSetDialogRunnerWin32 dialog(
+        registry_, sheetsets::SheetSetTreeServices{running->SheetSetManager(), NativeFileSystem(), *session_.Boxes(),
+                                                   ModulePath()},
+        DefaultSettingsRoot(), HostFrame());
+    return dialog.Run(path, selectedFiles);
+  }
+
+ private:
+  port::HostSession& session_;
+  RegistryBackend& registry_;
+};
+
 // What the module is given at load and takes down at unload.
 struct LoadedModule {
   explicit LoadedModule(port::HostSession& session)
       : windows(ModuleInstance()),
         display(CommandWindowWidth(session)),
         shell(CreateWin32OperationShell(ModuleInstance())),
-        user(ModuleInstance()) {}
+        user(ModuleInstance()),
+        layoutChooser(ModuleInstance(), HostFrame),
+        sheetSetDialog(session, registry) {}
   Win32WindowSystem windows;
   Win32Registry registry;
   Win32DisplayDefaults display;
   std::unique_ptr<operations::OperationShell> shell;
   Win32UserEnvironment user;
+  LayoutChooserWin32 layoutChooser;
+  ModuleSheetSetDialog sheetSetDialog;
 };
 
 std::unique_ptr<LoadedModule>& Loaded() {
@@ -79,16 +112,21 @@ void Load(void* pkt, port::HostSession& session) {
   services.display = &module.display;
   services.shell = module.shell.get();
   services.user = &module.user;
+  services.layoutChooser = &module.layoutChooser;
+  services.sheetSetDialog = &module.sheetSetDialog;
   services.modulePath = ModulePath();
-  services.aboutBox = [] {
-    host::TavletModule* running = host::CurrentModule();
-    ShowAboutBox(running ? reinterpret_cast<HWND>(running->Frame().frame) : nullptr);
+  services.aboutBox = [] { ShowAboutBox(HostFrame()); };
+  services.worksetManager = [] { ShowWorksetManager(HostFrame()); };
+  services.preferencesDialog = [] {
+    LoadedModule* loaded = Loaded().get();
+    if (host::CurrentModule() && loaded) ShowPreferences(HostFrame(), loaded->registry, loaded->display);
   };
   host::SetModuleServices(services);
   TavletEntry(host::kInitAppMsg, pkt, &session);
 }
 
 void Unload(port::HostSession& session) {
+  CloseWorksetManagers();
   TavletEntry(host::kUnloadAppMsg, nullptr, &session);
   UnloadAlphaBlend();
   // A class keeps this DLL's window procedure: it must go before the DLL does.

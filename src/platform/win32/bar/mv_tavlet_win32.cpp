@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "bar/preview_capture.h"
 #include "bar/strip_actions.h"
 #include "bar/strip_paint.h"
 #include "host/com_error.h"
@@ -240,8 +241,10 @@ void MvTavletWindow::EndTracking() {
 void MvTavletWindow::OnLButtonUp(UINT, int, int) {
   EndTracking();
   if (GetCapture() == hwnd()) ReleaseCapture();
-  // The captures of the previews belong to the capture work; the walk itself runs.
-  grip_.OnLButtonUp(bar_, [this] { bar::RefreshAllPreviews(bar_, [](bar::DocEntry&) {}); });
+  auto* strip = dynamic_cast<PreviewStripWindow*>(Window::FromHandle(H(bar_.StripWindow())));
+  grip_.OnLButtonUp(bar_, [this, strip] {
+    if (strip) bar::RefreshAllPreviews(bar_, bar::PreviewCapture(bar_, strip->Geometry()));
+  });
 }
 
 void MvTavletWindow::OnLButtonDblClk(UINT flags, int, int) {

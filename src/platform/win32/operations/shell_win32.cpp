@@ -5,6 +5,9 @@
 #include <shellapi.h>
 #include <shlobj.h>
 
+#include <cstring>
+#include <string>
+
 #include "platform/win32/operations/plot_dialog.rh"
 
 namespace tavlet::win32 {
@@ -27,6 +30,22 @@ int CALLBACK BrowseCallback(HWND window, UINT message, LPARAM, LPARAM start) {
 
 INT_PTR CALLBACK PlotDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
   return static_cast<INT_PTR>(PlotDialogProcedure(dialog, message, wParam, lParam));
+}
+
+// The clipboard owns the memory once SetClipboardData takes it.
+bool PutClipboardText(UINT format, const void* data, std::size_t bytes) {
+  HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, bytes);
+  if (!memory) return false;
+  void* target = GlobalLock(memory);
+  if (!target) {
+    GlobalFree(memory);
+    return false;
+  }
+  memcpy(target, data, bytes);
+  GlobalUnlock(memory);
+  if (SetClipboardData(format, memory)) return true;
+  GlobalFree(memory);
+  return false;
 }
 
 class Win32OperationShell final : public operations::OperationShell {
@@ -63,6 +82,25 @@ class Win32OperationShell final : public operations::OperationShell {
   bool RunPlotDialog(port::Window owner) override {
     return DialogBoxParamA(instance_, MAKEINTRESOURCEA(IDD_PLOT_SETUP),
                            reinterpret_cast<HWND>(owner), PlotDialogProc, 0) == IDOK;
+  }
+
+  bool CopyToClipboard(port::Window owner, const std::string& text) override {
+    if (!OpenClipboard(reinterpret_cast<HWND>(owner))) return false;
+    EmptyClipboard();
+    // The text in both forms, so that a program reading Unicode gets it whatever
+    // the system's code page is.
+    const bool ansi = PutClipboardText(CF_TEXT, text.c_str(), text.size() + 1);
+    const int units = MultiByteToWideChar(936, 0, text.c_str(), static_cast<int>(text.size()) + 1, nullptr, 0);
+    std::wstring wide(static_cast<std::size_t>(units > 0 ? units : 0), L'\0');
+    if (units > 0) MultiByteToWideChar(936, 0, text.c_str(), static_cast<int>(text.size()) + 1, wide.data(), units);
+    const bool unicode = units > 0 && PutClipboardText(CF_UNICODETEXT, wide.c_str(), wide.size() * sizeof(wchar_t));
+    CloseClipboard();
+    return ansi || unicode;
+  }
+
+  void ShowInFolder(const std::string& path) override {
+    const std::string parameters = "/select,\"" + path + "\"";
+    ShellExecuteA(nullptr, "open", "explorer.exe", parameters.c_str(), nullptr, SW_SHOWNORMAL);
   }
 
  private:

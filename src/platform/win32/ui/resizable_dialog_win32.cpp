@@ -68,6 +68,10 @@ INT_PTR ResizableDialog::DoModalIndirect(HINSTANCE instance, const DLGTEMPLATE* 
   return result;
 }
 
+HWND ResizableDialog::Create(HINSTANCE instance, int templateId, HWND parent) {
+  return CreateDialogParamA(instance, MAKEINTRESOURCEA(templateId), parent, Procedure, reinterpret_cast<LPARAM>(this));
+}
+
 LRESULT CALLBACK ResizableDialog::MessageFilter(int code, WPARAM wParam, LPARAM lParam) noexcept {
   if (code == MSGF_DIALOGBOX && currentModal && lParam) {
     try {
@@ -89,7 +93,11 @@ INT_PTR CALLBACK ResizableDialog::Procedure(HWND dialog, UINT message, WPARAM wP
   if (!self) return FALSE;
   try {
     const INT_PTR result = self->Dispatch(message, wParam, lParam);
-    if (message == WM_NCDESTROY) self->hwnd_ = nullptr;
+    if (message == WM_NCDESTROY) {
+      self->hwnd_ = nullptr;
+      SetWindowLongPtrA(dialog, DWLP_USER, 0);
+      self->OnFinalMessage();
+    }
     return result;
   } catch (...) {
     // An exception must not unwind through the system's dialog manager.
@@ -204,12 +212,12 @@ long ResizableDialog::DluToPixelsX(long n) const { return MappedDialogUnits(hwnd
 
 long ResizableDialog::DluToPixelsY(long n) const { return MappedDialogUnits(hwnd_).ToPixelsY(n); }
 
-void ResizableDialog::AddTool(int id, const char* text) {
+void ResizableDialog::AddTool(int id, const char* text, bool subclass) {
   HWND child = Child(id);
   if (!toolTip_ || !child) return;
   TOOLINFOA tool{};
   tool.cbSize = TTTOOLINFOA_V2_SIZE;
-  tool.uFlags = TTF_IDISHWND;
+  tool.uFlags = TTF_IDISHWND | (subclass ? TTF_SUBCLASS : 0);
   tool.hwnd = hwnd_;
   tool.uId = reinterpret_cast<UINT_PTR>(child);
   tool.lpszText = const_cast<char*>(text);

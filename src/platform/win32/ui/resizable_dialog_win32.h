@@ -52,6 +52,9 @@ class ResizableDialog {
   INT_PTR DoModal(HINSTANCE instance, int templateId, HWND parent);
   // The same from a template in memory.
   INT_PTR DoModalIndirect(HINSTANCE instance, const DLGTEMPLATE* dialogTemplate, HWND parent);
+  // A modeless dialog from the template; null when it couldn't be made. It runs in
+  // its owner's message loop, so its tips watch the mouse by subclassing.
+  HWND Create(HINSTANCE instance, int templateId, HWND parent);
 
   HWND hwnd() const { return hwnd_; }
   ui::ResizableDialogState& State() { return state_; }
@@ -70,7 +73,9 @@ class ResizableDialog {
   long DluToPixelsX(long n) const;
   long DluToPixelsY(long n) const;
 
-  void AddTool(int id, const char* text);
+  // `subclass`: the tip watches the child itself (TTF_SUBCLASS), for a dialog
+  // whose messages never pass through PreTranslateMessage.
+  void AddTool(int id, const char* text, bool subclass = false);
   void AddAccelerators(HWND window, HACCEL table);
   // The tooltip sees the message first; then each accelerator table in turn.
   // True when a table took it.
@@ -82,6 +87,9 @@ class ResizableDialog {
   virtual void OnOK() { EndDialog(IDOK); }
   virtual void OnCancel() { EndDialog(IDCANCEL); }
   virtual void OnDestroy() {}
+  // After WM_NCDESTROY, the last call the window makes: a modeless dialog may
+  // delete itself here.
+  virtual void OnFinalMessage() {}
   // WM_NOTIFY: true when handled, with the value for DWLP_MSGRESULT.
   virtual bool OnNotify(NMHDR&, LRESULT&) { return false; }
   // Any other WM_COMMAND; true when handled.

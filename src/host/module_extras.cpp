@@ -1,0 +1,110 @@
+#include "host/module_extras.h"
+
+#include <algorithm>
+
+#include "bar/doc_list.h"
+#include "host/com_error.h"
+#include "operations/drawing_operations.h"
+#include "settings/extra_settings.h"
+#include "settings/settings_table.h"
+
+namespace tavlet::host {
+
+ModuleExtras::ModuleExtras(ExtrasServices services, bar::BarModel& bar) : services_(std::move(services)), bar_(bar) {
+  if (ReadInt(services_.settings, keys::SessionRestore) > 0)
+    session_ = std::make_unique<operations::SessionRecorder>(services_.files,
+                                                             services_.dataFolder + operations::kSessionFileName);
+  for (const auto& entry : bar_.Strip().Entries()) DocumentCreated(entry->document);
+  bar_.onDocumentEvent = [this](bar::BarModel::DocumentEvent event, port::Document doc) {
+    switch (event) {
+      case bar::BarModel::DocumentEvent::Created:
+        DocumentCreated(doc);
+        break;
+      case bar::BarModel::DocumentEvent::ToBeDestroyed:
+        DocumentToBeDestroyed(doc);
+        break;
+      case bar::BarModel::DocumentEvent::Activated:
+        DocumentActivated(doc);
+        break;
+    }
+  };
+}
+
+ModuleExtras::~ModuleExtras() { bar_.onDocumentEvent = nullptr; }
+
+std::string ModuleExtras::PathOf(port::Document doc) { return bar::DocumentName(*services_.session.Documents(), doc); }
+
+void ModuleExtras::Print(const std::string& text) { services_.session.EditorService()->Print(text.c_str()); }
+
+void ModuleExtras::DocumentCreated(port::Document doc) {
+  order_.Added(doc);
+  if (!session_) return;
+  const std::string path = PathOf(doc);
+  paths_.emplace_back(doc, path);
+  bool readOnly = false;
+  if (port::Failed(services_.session.Documents()->IsReadOnly(doc, &readOnly))) readOnly = false;
+  session_->Opened(doc, path, readOnly);
+}
+
+void ModuleExtras::DocumentToBeDestroyed(port::Document doc) {
+  order_.Removed(doc);
+  if (!session_) return;
+  std::erase_if(paths_, [doc](const auto& p) { return p.first == doc; });
+  bool quitting = false;
+  if (port::Failed(services_.session.EditorService()->IsQuitting(&quitting))) quitting = false;
+  session_->Closed(doc, quitting);
+}
+
+void ModuleExtras::DocumentActivated(port::Document doc) {
+  order_.Activated(doc);
+  // A save under another name shows here, at the next activation of any drawing.
+  for (auto& [known, path] : paths_) {
+    const std::string now = PathOf(known);
+    if (now == path) continue;
+    path = now;
+    session_->Renamed(known, now);
+  }
+}
+
+void ModuleExtras::OnSwitch(const std::function<bool(port::Document)>& switchTo) {
+  const std::vector<port::Document>& order = order_.Order();
+  if (order.size() < 2) return;
+  port::Document picked = nullptr;
+  if (services_.switcherPopup) {
+    picked = services_.switcherPopup(order);
+  } else {
+    bar::Switcher switcher;
+    switcher.Open(order);
+    picked = switcher.Press(bar::SwitcherKey::ReleaseCtrl);
+  }
+  if (picked && picked != order.front()) switchTo(picked);
+}
+
+void ModuleExtras::OnRestore(operations::DrawingOperations& operations) {
+  if (!session_) {
+    Print(extras_texts::kRestoreOff);
+    return;
+  }
+  if (session_->LastSession().empty()) {
+    Print(extras_texts::kNothingToRestore);
+    return;
+  }
+  const operations::RestoreResult result =
+      operations::RestoreSession(operations, services_.files, session_->LastSession());
+  if (!result.missing.empty()) {
+    long answer = 0;
+    services_.session.Boxes()->Show(operations::MissingDrawingsText(result.missing).c_str(), port::kBoxOk, &answer);
+  }
+}
+
+void ModuleExtras::OfferRestore(operations::DrawingOperations& operations) {
+  if (!session_ || ReadInt(services_.settings, keys::SessionRestore) < 2 || session_->LastSession().empty()) return;
+  std::string question = extras_texts::kOfferRestore;
+  question.replace(question.find("%d"), 2, std::to_string(session_->LastSession().size()));
+  long answer = 0;
+  if (port::Succeeded(services_.session.Boxes()->Show(question.c_str(), port::kBoxYesNo, &answer)) &&
+      answer == port::kAnswerYes)
+    OnRestore(operations);
+}
+
+}  // namespace tavlet::host
