@@ -331,8 +331,9 @@ TEST(OwnerDrawnTabs, TurnTheirTextForASideAndCoverTheSelectedOne) {
   for (const Case c : {Case{0, false}, Case{TCS_BOTTOM, false}, Case{TCS_VERTICAL, true},
                        Case{TCS_VERTICAL | TCS_RIGHT, true}}) {
     SCOPED_TRACE(c.style);
-    HWND owner = CreateWindowExA(0, "TavletTabOwnerTest", "", WS_POPUP | WS_VISIBLE, 50, 50, 400, 400, nullptr,
-                                 nullptr, kind.hInstance, nullptr);
+    // Topmost, so that no window left by an earlier test hides it from the capture.
+    HWND owner = CreateWindowExA(WS_EX_TOPMOST, "TavletTabOwnerTest", "", WS_POPUP | WS_VISIBLE, 50, 50, 400, 400,
+                                 nullptr, nullptr, kind.hInstance, nullptr);
     HWND tabs = CreateWindowExA(0, WC_TABCONTROLA, "", WS_CHILD | WS_VISIBLE | TCS_OWNERDRAWFIXED | TCS_MULTILINE | c.style,
                                 0, 0, 400, 400, owner, nullptr, kind.hInstance, nullptr);
     SendMessageA(tabs, WM_SETFONT, reinterpret_cast<WPARAM>(GetStockObject(DEFAULT_GUI_FONT)), FALSE);
@@ -346,7 +347,12 @@ TEST(OwnerDrawnTabs, TurnTheirTextForASideAndCoverTheSelectedOne) {
     win32::ThemedTabCtrl* control = win32::ThemedTabCtrl::Attach(tabs);
     ASSERT_NE(control, nullptr);
     control->themedDrawing = false;
+    // What a window draws reaches the screen a moment later: paint, let it settle, then read.
     RedrawWindow(owner, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+    for (const DWORD end = GetTickCount() + 100; GetTickCount() < end; Sleep(5)) {
+      MSG message;
+      while (PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageA(&message);
+    }
     const Picture shot = CaptureWindow(tabs);
     for (int i = 0; i < 3; ++i) {
       const TabLook look = LookOfTab(shot, tabs, i);

@@ -36,8 +36,8 @@ class FlatButton : public ::testing::Test {
     kind.lpszClassName = "TavletFlatButtonTest";
     kind.hbrBackground = GetSysColorBrush(COLOR_BTNFACE);
     RegisterClassA(&kind);
-    dialog = CreateWindowExA(0, "TavletFlatButtonTest", "", WS_POPUP | WS_VISIBLE, 100, 100, 200, 100, nullptr,
-                             nullptr, kind.hInstance, nullptr);
+    dialog = CreateWindowExA(WS_EX_TOPMOST, "TavletFlatButtonTest", "", WS_POPUP | WS_VISIBLE, 100, 100, 200, 100,
+                             nullptr, nullptr, kind.hInstance, nullptr);
     button = CreateWindowExA(0, "BUTTON", "Go", WS_CHILD | WS_VISIBLE | BS_PUSHBUTTON, 50, 30, 60, 30, dialog,
                              reinterpret_cast<HMENU>(static_cast<INT_PTR>(kButtonId)), kind.hInstance, nullptr);
     flat = FlatHoverButton::Attach(dialog, kButtonId);
