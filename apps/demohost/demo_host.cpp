@@ -210,10 +210,11 @@ DemoHost::~DemoHost() {
   host_.Documents()->RemoveReactor(this);
   if (frame_ && IsWindow(frame_)) {
     DestroyWindow(frame_);
-    // The frame's end posts the quit that ends an interactive session; left in
-    // the queue it would end the thread's next modal loop (a test's dialog) at once.
+    // The frame's end posts WM_QUIT for a session's loop; a host taken down by its
+    // owner has no loop left, and the message would end the thread's next modal one.
     MSG quit;
-    PeekMessageA(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE);
+    while (PeekMessageA(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE)) {
+    }
   }
 }
 

@@ -91,6 +91,7 @@ void BarTips::ResetTabTools() {
   HWND tabs = H(bar_.TabWindow());
   if (!docTip_ || !tabs) return;
   DeleteTools(tabs);
+  tabTools_.clear();
   const auto& items = bar_.Tabs().Tabs();
   for (std::size_t i = 0; i < items.size(); ++i) {
     RECT r{};
@@ -98,7 +99,22 @@ void BarTips::ResetTabTools() {
     const std::string text = Text(items[i].document);
     TTTOOLINFOA tool = Tool(tabs, i + 1, r, &text);
     SendMessageA(docTip_, TTM_ADDTOOLA, 0, reinterpret_cast<LPARAM>(&tool));
+    tabTools_.push_back({items[i].document, items[i].text, r});
   }
+}
+
+void BarTips::UpdateTabTools() {
+  HWND tabs = H(bar_.TabWindow());
+  if (!docTip_ || !tabs || !bar_.Created()) return;
+  const auto& items = bar_.Tabs().Tabs();
+  bool same = items.size() == tabTools_.size();
+  for (std::size_t i = 0; same && i < items.size(); ++i) {
+    RECT r{};
+    SendMessageA(tabs, TCM_GETITEMRECT, i, reinterpret_cast<LPARAM>(&r));
+    same = items[i].document == tabTools_[i].document && items[i].text == tabTools_[i].text &&
+           EqualRect(&r, &tabTools_[i].rect);
+  }
+  if (!same) ResetTabTools();
 }
 
 void BarTips::ResetStripTools(HWND strip, const std::vector<bar::StripTipTool>& tools) {

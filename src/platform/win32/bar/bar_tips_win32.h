@@ -5,6 +5,7 @@
 
 #include <windows.h>
 
+#include <string>
 #include <vector>
 
 #include "bar/bar_model.h"
@@ -27,6 +28,8 @@ class BarTips {
   void Apply();
   // The tools of the tab control, one per tab, with the texts of now.
   void ResetTabTools();
+  // Before the tabs paint: new tools when a tab came, went, or changed its text or place.
+  void UpdateTabTools();
   // After a layout of the strip: every tool deleted, then one per entry.
   void ResetStripTools(HWND strip, const std::vector<bar::StripTipTool>& tools);
   // After a cell was painted: its place and its text of now.
@@ -47,6 +50,13 @@ class BarTips {
   HWND docTip_ = nullptr;
   HWND menuTip_ = nullptr;
   bar::TipCache cache_;
+  // What the tab tools were last made for: each tab's drawing, text and place.
+  struct TabTool {
+    port::Document document;
+    std::string text;
+    RECT rect;
+  };
+  std::vector<TabTool> tabTools_;
 };
 
 // The bar's ApplyTipSettings, for whoever changed the settings (the preferences' OK).

@@ -41,9 +41,9 @@ class TabStripHook final : public WindowHook {
   LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override {
     switch (message) {
       case WM_PAINT:
-        // A tab added, gone or renamed gets its tip tools anew.
-        if (SyncTabControl(Hooked(), bar_.Tabs()))
-          if (BarTips* tips = BarTips::Of(bar_)) tips->ResetTabTools();
+        SyncTabControl(Hooked(), bar_.Tabs());
+        // A tab added, gone, renamed or moved gets its tip tools anew.
+        if (BarTips* tips = BarTips::Of(bar_)) tips->UpdateTabTools();
         break;
       case WM_LBUTTONDBLCLK: {
         POINT point{static_cast<short>(LOWORD(lParam)), static_cast<short>(HIWORD(lParam))};

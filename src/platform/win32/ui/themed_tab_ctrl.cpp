@@ -158,17 +158,15 @@ LRESULT ThemedTabCtrl::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
 
 LRESULT ThemedTabCtrl::PlainPaint() {
   HWND tabs = Hooked();
-  GdiObject<HRGN> update(CreateRectRgn(0, 0, 0, 0));
-  const bool clipped = update.valid() && GetUpdateRgn(tabs, update.get(), FALSE) != ERROR;
-  const LRESULT result = Default();
+  PaintDc paint(tabs);
+  if (!paint.get()) return 0;
+  // The control's own paint, into this paint's context, so that the cover lies
+  // on exactly what it drew.
+  SendMessageA(tabs, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(paint.get()), PRF_CLIENT);
   const int selected = static_cast<int>(SendMessageA(tabs, TCM_GETCURSEL, 0, 0));
-  if (selected >= 0 && clipped) {
-    // Only where this paint drew, so that the cover never lies twice on a pixel.
-    ScreenDc dc(tabs);
-    SelectClipRgn(dc.get(), update.get());
-    FillAlphaRect(dc.get(), ItemRect(tabs, selected), GetSysColor(COLOR_ACTIVECAPTION), ui::kSelectedCoverAlpha);
-  }
-  return result;
+  if (selected >= 0)
+    FillAlphaRect(paint.get(), ItemRect(tabs, selected), GetSysColor(COLOR_ACTIVECAPTION), ui::kSelectedCoverAlpha);
+  return 0;
 }
 
 void ThemedTabCtrl::ThemedPaint() {
