@@ -13,6 +13,7 @@
 #include "bar/bar_model.h"
 #include "host/port/host_session.h"
 #include "operations/session_list.h"
+#include "previews/thumbnail_cache.h"
 #include "settings/settings_store.h"
 
 namespace tavlet::operations {
@@ -53,6 +54,8 @@ class ModuleExtras final {
 
   const bar::ActivationOrder& Order() const { return order_; }
   const operations::SessionRecorder* Session() const { return session_.get(); }
+  // Null unless KeepThumbnails is on.
+  const previews::ThumbnailCache* Thumbnails() const { return thumbnails_.get(); }
 
  private:
   void DocumentCreated(port::Document doc);
@@ -60,10 +63,14 @@ class ModuleExtras final {
   void DocumentActivated(port::Document doc);
   std::string PathOf(port::Document doc);
   void Print(const std::string& text);
+  // A kept picture for a drawing that has none yet; it stays stale, so its first
+  // activation takes a fresh one.
+  void ShowKeptThumbnail(port::Document doc);
 
   ExtrasServices services_;
   bar::ActivationOrder order_;
   std::unique_ptr<operations::SessionRecorder> session_;
+  std::unique_ptr<previews::ThumbnailCache> thumbnails_;
   bar::BarModel& bar_;
   std::vector<std::pair<port::Document, std::string>> paths_;
 };
