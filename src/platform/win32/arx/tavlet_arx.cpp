@@ -9,6 +9,7 @@
 
 #include "host/module.h"
 #include "platform/win32/bar/mv_tavlet_win32.h"
+#include "platform/win32/bar/switcher_popup_win32.h"
 #include "platform/win32/content/layout_chooser_win32.h"
 #include "platform/win32/dib_paint.h"
 #include "platform/win32/operations/shell_win32.h"
@@ -20,6 +21,7 @@
 #include "platform/win32/window.h"
 #include "platform/win32/worksets/workset_manager_win32.h"
 #include "platform/win32/host/window_system_win32.h"
+#include "settings/extra_settings.h"
 
 namespace tavlet::win32 {
 namespace {
@@ -80,6 +82,8 @@ struct LoadedModule {
   Win32UserEnvironment user;
   LayoutChooserWin32 layoutChooser;
   ModuleSheetSetDialog sheetSetDialog;
+  // Only while CtrlTabSwitcher is on.
+  std::unique_ptr<CtrlTabHook> ctrlTab;
 };
 
 std::unique_ptr<LoadedModule>& Loaded() {
@@ -121,11 +125,28 @@ void Load(void* pkt, port::HostSession& session) {
     LoadedModule* loaded = Loaded().get();
     if (host::CurrentModule() && loaded) ShowPreferences(HostFrame(), loaded->registry, loaded->display);
   };
+  services.switcherPopup = [](const std::vector<port::Document>& order) {
+    host::TavletModule* running = host::CurrentModule();
+    return RunSwitcherPopup(HostFrame(), running ? running->Bar() : nullptr, order, CurrentSwitcherRequest());
+  };
   host::SetModuleServices(services);
   TavletEntry(host::kInitAppMsg, pkt, &session);
+  host::TavletModule* running = host::CurrentModule();
+  if (running && ReadInt(running->Store(), keys::CtrlTabSwitcher) != 0) {
+    module.ctrlTab = std::make_unique<CtrlTabHook>(
+        HostFrame(),
+        [] {
+          host::TavletModule* now = host::CurrentModule();
+          return now && now->Extras() ? now->Extras()->Order().Order().size() : std::size_t{0};
+        },
+        [] {
+          if (host::TavletModule* now = host::CurrentModule()) now->OnSwitch();
+        });
+  }
 }
 
 void Unload(port::HostSession& session) {
+  if (Loaded()) Loaded()->ctrlTab.reset();
   CloseWorksetManagers();
   TavletEntry(host::kUnloadAppMsg, nullptr, &session);
   UnloadAlphaBlend();
