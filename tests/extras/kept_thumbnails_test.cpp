@@ -10,28 +10,17 @@
 #include "previews/dib.h"
 #include "previews/thumbnail_cache.h"
 #include "settings/extra_settings.h"
+#include "data_folder_user.h"
 #include "sim/module_harness.h"
 
 namespace tavlet::host {
 namespace {
 
-const std::string kData = "C:\\Users\\me\\AppData\\Roaming\\Morvane\\Tavlet\\";
+using extras_test::FixedUser;
+using extras_test::kData;
 const std::string kCacheFile = kData + previews::kThumbnailCacheFileName;
 const std::string kA = "C:\\dwg\\A.dwg";
 const std::string kB = "C:\\dwg\\b.dwg";
-
-class FixedUser final : public UserEnvironment {
- public:
-  bool AppDataFolder(std::string& folder) override {
-    folder = "C:\\Users\\me\\AppData\\Roaming";
-    return true;
-  }
-  std::string ModuleFolder() override { return "C:\\Program Files\\Morvane\\"; }
-  bool UserName(std::string& name) override {
-    name = "me";
-    return true;
-  }
-};
 
 // A module with the strip docked at the top; `cache` is the file left by a
 // session before (none when empty).
