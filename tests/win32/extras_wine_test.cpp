@@ -9,8 +9,10 @@
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "demohost/demo_host.h"
+#include "bar/switcher_input.h"
 #include "demohost/script.h"
 #include "support/test_paths.h"
 
@@ -65,6 +67,43 @@ DWORD RunDemoHost(const std::string& script, const std::string& out, std::string
   return status;
 }
 
+void SendKey(WORD key, bool up) {
+  INPUT input{};
+  input.type = INPUT_KEYBOARD;
+  input.ki.wVk = key;
+  input.ki.dwFlags = up ? KEYEVENTF_KEYUP : 0;
+  SendInput(1, &input, sizeof input);
+}
+
+// What a timer does in the popup once it shows: keys pressed, or a click on a cell.
+struct PopupInput {
+  std::vector<WORD> keys;
+  int clickCell = -1;
+  bool done = false;
+};
+
+PopupInput*& Pending() {
+  static PopupInput* input = nullptr;
+  return input;
+}
+
+void CALLBACK ActInPopup(HWND, UINT, UINT_PTR id, DWORD) {
+  HWND popup = FindWindowA("TavletSwitcher", nullptr);
+  PopupInput* input = Pending();
+  if (!input || !popup || !IsWindowVisible(popup)) return;
+  KillTimer(nullptr, id);
+  input->done = true;
+  for (WORD key : input->keys) {
+    SendKey(key, false);
+    SendKey(key, true);
+  }
+  if (input->clickCell >= 0) {
+    const host::WindowRect cell = bar::LayOutSwitcher(3, {0, 0, 900, 700}).Cell(static_cast<std::size_t>(input->clickCell));
+    PostMessageA(popup, WM_LBUTTONDOWN, MK_LBUTTON,
+                 MAKELPARAM((cell.left + cell.right) / 2, (cell.top + cell.bottom) / 2));
+  }
+}
+
 bool Exists(const std::string& path) { return GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES; }
 
 TEST(ExtrasOnFrame, CtrlTabClipboardAndRestoreAfterTheHostIsKilled) {
@@ -79,6 +118,48 @@ TEST(ExtrasOnFrame, CtrlTabClipboardAndRestoreAfterTheHostIsKilled) {
   // Nothing open at the start, the three drawings after TLRESTORE.
   EXPECT_EQ(RunDemoHost("extras-restore.script", out, log), 0u) << log;
   EXPECT_TRUE(Exists(out + "\\restored-switcher.png"));
+  ForgetEverything();
+}
+
+TEST(ExtrasOnFrame, TheSwitchersKeysAndClickInItsWindow) {
+  ForgetEverything();
+  struct Case {
+    const char* what;
+    PopupInput input;
+    int active;  // in the open order, after
+  };
+  // Opened in this order and activated last to first: the order of activation is
+  // plan (active), detail, elevation, and detail is preselected.
+  const Case cases[] = {
+      {"Escape cancels", {{VK_ESCAPE}}, 0},
+      {"Enter takes the previous drawing", {{VK_RETURN}}, 1},
+      {"Tab moves on, Enter takes", {{VK_TAB, VK_RETURN}}, 2},
+      {"Tab moves round to the active one", {{VK_TAB, VK_TAB, VK_RETURN}}, 0},
+      {"a click on the third cell", {{}, 2}, 2},
+  };
+  for (const Case& k : cases) {
+    SCOPED_TRACE(k.what);
+    std::string error;
+    DemoHost demo(WinePath(TAVLET_ARX_PATH), false);
+    ASSERT_TRUE(demo.CreateFrame(900, 700)) << "no display";
+    ASSERT_TRUE(WriteSetting("Extras", "CtrlTabSwitcher", 1));
+    ASSERT_TRUE(demo.LoadModule(error, true)) << error;
+    std::vector<port::Document> docs;
+    for (const char* name : {"ex-plan.dwg", "ex-detail.dwg", "ex-elevation.dwg"})
+      docs.push_back(demo.Open(kScripts + "drawings\\" + name));
+    for (int i = 2; i >= 0; --i) demo.Host().Activate(docs[static_cast<std::size_t>(i)]);
+    demo.Pump(200);
+    PopupInput input = k.input;
+    Pending() = &input;
+    SetTimer(nullptr, 0, 100, ActInPopup);
+    demo.Execute("TLSWITCH");
+    demo.Pump(200);
+    Pending() = nullptr;
+    EXPECT_TRUE(input.done);
+    EXPECT_EQ(FindWindowA("TavletSwitcher", nullptr), nullptr);
+    EXPECT_EQ(demo.Host().MdiActive(), docs[static_cast<std::size_t>(k.active)]);
+    demo.UnloadModule();
+  }
   ForgetEverything();
 }
 
