@@ -4,7 +4,6 @@
 #include <optional>
 #include <string>
 
-#include "bar/activation_order.h"
 #include "bar/doc_list.h"
 #include "bar/switcher_input.h"
 #include "platform/win32/bar/gdi_canvas.h"
@@ -25,11 +24,6 @@ HWND& OpenWindow() {
   return window;
 }
 
-std::function<void(HWND)>& ShownHook() {
-  static std::function<void(HWND)> hook;
-  return hook;
-}
-
 CtrlTabHook*& ActiveHook() {
   static CtrlTabHook* hook = nullptr;
   return hook;
@@ -41,9 +35,10 @@ RECT ToRect(const host::WindowRect& r) {
   return {static_cast<LONG>(r.left), static_cast<LONG>(r.top), static_cast<LONG>(r.right), static_cast<LONG>(r.bottom)};
 }
 
-// One drawing as the popup shows it: the strip's picture and label name.
+// One drawing as the popup shows it: its picture is looked up at each paint, as
+// a capture may replace it while the popup is open.
 struct Item {
-  const bar::DocEntry* entry = nullptr;
+  port::Document doc = nullptr;
   std::string name;
 };
 
@@ -74,8 +69,8 @@ void DrawPicture(HDC dc, const bar::DocEntry& entry, const host::WindowRect& to)
 
 class SwitcherWindowImpl final : public Window {
  public:
-  SwitcherWindowImpl(bar::Switcher& switcher, std::vector<Item> items, bar::SwitcherLayout layout)
-      : switcher_(switcher), items_(std::move(items)), layout_(layout) {}
+  SwitcherWindowImpl(bar::Switcher& switcher, bar::BarModel* bar, std::vector<Item> items, bar::SwitcherLayout layout)
+      : switcher_(switcher), bar_(bar), items_(std::move(items)), layout_(layout) {}
 
   bool deactivated = false;
 
@@ -113,7 +108,7 @@ class SwitcherWindowImpl final : public Window {
       const host::WindowRect box = layout_.Picture(i);
       canvas.FillRect(box, GetSysColor(COLOR_WINDOW));
       canvas.Draw3dRect(box, GetSysColor(COLOR_BTNSHADOW), GetSysColor(COLOR_BTNHIGHLIGHT));
-      const bar::DocEntry* entry = items_[i].entry;
+      const bar::DocEntry* entry = bar_ ? bar_->Strip().FindEntry(items_[i].doc) : nullptr;
       if (entry && !entry->previewDib.empty()) {
         const host::WindowRect inner{box.left + 1, box.top + 1, box.right - 1, box.bottom - 1};
         DrawPicture(dc, *entry, bar::FitPicture(entry->previewWidth, entry->previewHeight, inner));
@@ -127,6 +122,7 @@ class SwitcherWindowImpl final : public Window {
   }
 
   bar::Switcher& switcher_;
+  bar::BarModel* bar_;
   std::vector<Item> items_;
   bar::SwitcherLayout layout_;
 };
@@ -151,10 +147,6 @@ bool IsButtonDown(UINT message) {
 
 SwitcherRequest CurrentSwitcherRequest() { return PendingRequest(); }
 
-HWND SwitcherWindow() { return OpenWindow(); }
-
-void SetSwitcherShownHook(std::function<void(HWND)> hook) { ShownHook() = std::move(hook); }
-
 port::Document RunSwitcherPopup(HWND frame, bar::BarModel* bar, const std::vector<port::Document>& order,
                                 const SwitcherRequest& request) {
   bar::Switcher switcher;
@@ -170,8 +162,8 @@ port::Document RunSwitcherPopup(HWND frame, bar::BarModel* bar, const std::vecto
   std::vector<Item> items;
   for (port::Document doc : order) {
     Item item;
-    item.entry = bar ? bar->Strip().FindEntry(doc) : nullptr;
-    if (item.entry) item.name = item.entry->path.Name;
+    item.doc = doc;
+    if (const bar::DocEntry* entry = bar ? bar->Strip().FindEntry(doc) : nullptr) item.name = entry->path.Name;
     else if (bar) item.name = ShortName(bar::DocumentName(*bar->Session().Documents(), doc));
     items.push_back(std::move(item));
   }
@@ -182,7 +174,7 @@ port::Document RunSwitcherPopup(HWND frame, bar::BarModel* bar, const std::vecto
 
   ResourceScope resources;
   RegisterWindowClass(kSwitcherClass, CS_SAVEBITS, IDC_ARROW, nullptr);
-  SwitcherWindowImpl window(switcher, std::move(items), layout);
+  SwitcherWindowImpl window(switcher, bar, std::move(items), layout);
   const host::WindowRect& w = layout.window;
   // The client area is the layout's; the thin border lies outside it.
   RECT outer{static_cast<LONG>(w.left), static_cast<LONG>(w.top), static_cast<LONG>(w.right), static_cast<LONG>(w.bottom)};
@@ -195,7 +187,6 @@ port::Document RunSwitcherPopup(HWND frame, bar::BarModel* bar, const std::vecto
   SetForegroundWindow(popup);
   SetFocus(popup);
   UpdateWindow(popup);
-  if (ShownHook()) ShownHook()(popup);
 
   port::Document picked = nullptr;
   MSG msg{};

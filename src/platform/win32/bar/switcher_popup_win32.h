@@ -28,12 +28,6 @@ SwitcherRequest CurrentSwitcherRequest();
 port::Document RunSwitcherPopup(HWND frame, bar::BarModel* bar, const std::vector<port::Document>& order,
                                 const SwitcherRequest& request);
 
-// The popup on the screen, or null.
-HWND SwitcherWindow();
-// Called with the popup's window once it is shown and painted (for the demo's
-// screenshot); none by default.
-void SetSwitcherShownHook(std::function<void(HWND)> hook);
-
 // Ctrl+Tab in the host's thread while `frame` has the focus: swallowed and,
 // once the key's message is done, `open` runs with the request made current.
 class CtrlTabHook {
