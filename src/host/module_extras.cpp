@@ -19,6 +19,8 @@ ModuleExtras::ModuleExtras(ExtrasServices services, bar::BarModel& bar) : servic
     thumbnails_ = std::make_unique<previews::ThumbnailCache>(
         services_.files, services_.dataFolder + previews::kThumbnailCacheFileName);
     bar_.onPreviewCaptured = [this](const bar::DocEntry& entry) {
+      // A drawing never saved has only a name, which the next new drawing reuses.
+      if (entry.path.Folder.empty()) return;
       thumbnails_->Store(entry.path.GetFull(), entry.previewWidth, entry.previewHeight, entry.previewDib);
     };
   }
@@ -49,7 +51,7 @@ void ModuleExtras::Print(const std::string& text) { services_.session.EditorServ
 
 void ModuleExtras::ShowKeptThumbnail(port::Document doc) {
   bar::DocEntry* entry = bar_.Strip().FindEntry(doc);
-  if (!entry || !entry->previewDib.empty()) return;
+  if (!entry || !entry->previewDib.empty() || entry->path.Folder.empty()) return;
   const previews::CachedThumbnail* kept = thumbnails_->Find(entry->path.GetFull());
   if (!kept || kept->width <= 0 || kept->height <= 0) return;
   // A picture whose bytes do not match its size would be read past its end.

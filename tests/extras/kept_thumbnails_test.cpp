@@ -141,5 +141,16 @@ TEST(KeptThumbnails, NothingShownOrWrittenUnlessOnAndWhole) {
   EXPECT_FALSE(off.h.files.Stat(kCacheFile).exists);
 }
 
+TEST(KeptThumbnails, ADrawingNeverSavedIsNeitherKeptNorGivenAKeptPicture) {
+  Session s(true, CacheWith("drawing1.dwg", 10, 8));
+  ASSERT_EQ(s.h.Load(), 0);
+  port::Document fresh = s.h.host.NewDrawing();
+  ASSERT_EQ(s.Entry(fresh).path.GetFull(), "Drawing1.dwg");
+  EXPECT_TRUE(s.Entry(fresh).previewDib.empty());
+  s.Paint();
+  ASSERT_FALSE(s.Entry(fresh).previewDib.empty());
+  EXPECT_EQ(s.CacheFile(), CacheWith("drawing1.dwg", 10, 8));
+}
+
 }  // namespace
 }  // namespace tavlet::host
