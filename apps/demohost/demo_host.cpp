@@ -208,7 +208,13 @@ DemoHost::DemoHost(std::string modulePath, bool interactive)
 DemoHost::~DemoHost() {
   UnloadModule();
   host_.Documents()->RemoveReactor(this);
-  if (frame_ && IsWindow(frame_)) DestroyWindow(frame_);
+  if (frame_ && IsWindow(frame_)) {
+    DestroyWindow(frame_);
+    // The frame's end posts the quit that ends an interactive session; left in
+    // the queue it would end the thread's next modal loop (a test's dialog) at once.
+    MSG quit;
+    PeekMessageA(&quit, nullptr, WM_QUIT, WM_QUIT, PM_REMOVE);
+  }
 }
 
 HWND DemoHost::ViewOf(port::Document doc) const {

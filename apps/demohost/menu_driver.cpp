@@ -138,7 +138,11 @@ void TakePicture(Drive& d) {
     tool.cbSize = TTTOOLINFOA_V2_SIZE;
     tool.lpszText = text;
     // The tip's one tool; its text is what shows.
-    if (SendMessageA(tip, TTM_ENUMTOOLSA, 0, reinterpret_cast<LPARAM>(&tool))) d.run->tipText = text;
+    if (SendMessageA(tip, TTM_ENUMTOOLSA, 0, reinterpret_cast<LPARAM>(&tool))) {
+      d.run->tipText = text;
+      const auto bubble = static_cast<DWORD>(SendMessageA(tip, TTM_GETBUBBLESIZE, 0, reinterpret_cast<LPARAM>(&tool)));
+      d.run->tipBubble = {LOWORD(bubble), HIWORD(bubble)};
+    }
     GetWindowRect(tip, &d.run->tipRect);
     ClientToScreen(tip, &d.run->tipAt);
     UnionRect(&area, &area, &d.run->tipRect);

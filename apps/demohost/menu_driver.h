@@ -38,6 +38,7 @@ struct MenuRun {
   std::string tipText;
   RECT tipRect{};
   POINT tipAt{};  // the tip's client origin: where the bar placed it, inside its border
+  SIZE tipBubble{};  // what the tip control answers to TTM_GETBUBBLESIZE for its tool
   RECT itemRect{};  // the last entry's rectangle on the screen
 };
 

@@ -19,6 +19,8 @@ constexpr int kTabsId = 1000;      // the dialog's tab control
 constexpr int kFontButton = 2060;  // the display page's font button
 constexpr int kFaceList = 0x470;   // the font chooser's face and size lists
 constexpr int kSizeList = 0x472;
+constexpr int kRedEdit = 706;  // the colour chooser's red, green and blue edits
+
 constexpr UINT kTick = 120;
 constexpr int kMaxTicks = 400;
 
@@ -159,6 +161,21 @@ bool DoStep(Drive& d, const PreferencesStep& step, const Windows& w) {
     }
     return !w.owned;
   }
+  if (step.verb == "color") {
+    if (d.phase == 0) {
+      PostMessageA(Control(w.preferences, std::atoi(args[0].c_str())), BM_CLICK, 0, 0);
+      d.phase = 1;
+      return false;
+    }
+    if (d.phase == 1) {
+      if (!w.owned) return false;
+      for (int i = 0; i < 3; ++i) SetDlgItemTextA(w.owned, kRedEdit + i, args[1 + i].c_str());
+      PostMessageA(w.owned, WM_COMMAND, MAKEWPARAM(IDOK, BN_CLICKED), reinterpret_cast<LPARAM>(GetDlgItem(w.owned, IDOK)));
+      d.phase = 2;
+      return false;
+    }
+    return !w.owned;
+  }
   if (step.verb == "shot") {
     SetForegroundWindow(w.preferences);
     RedrawWindow(w.preferences, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN | RDW_UPDATENOW | RDW_FRAME);
@@ -188,7 +205,7 @@ void CALLBACK Tick(HWND, UINT, UINT_PTR, DWORD) {
   } else if (w.preferences && d.next < d.steps->size()) {
     // A box the dialog brought up (a refused number) stops the run.
     const PreferencesStep& step = (*d.steps)[d.next];
-    if (w.owned && step.verb != "font") {
+    if (w.owned && step.verb != "font" && step.verb != "color") {
       char text[256] = {};
       GetDlgItemTextA(w.owned, 0xFFFF, text, sizeof text);
       Fail(d, w.preferences, w.owned, "the dialog showed a box: " + text::ToUtf8(text));
@@ -216,9 +233,11 @@ bool ParsePreferencesSteps(const std::string& text, std::vector<PreferencesStep>
     const bool number = n > 0 && std::strspn(step.args[0].c_str(), "0123456789") == step.args[0].size();
     const bool ok = (step.verb == "tab" && n == 1 && number) || (step.verb == "click" && n == 1 && number) ||
                     (step.verb == "type" && (n == 1 || n == 2) && number) || (step.verb == "font" && n == 2) ||
+                    (step.verb == "color" && n == 4 && number) ||
                     (step.verb == "shot" && n == 1) || ((step.verb == "ok" || step.verb == "cancel") && n == 0);
     if (!ok) {
-      error = "bad step '" + part + "'; expected tab N, click ID, type ID TEXT, font FACE SIZE, shot PATH, ok, cancel";
+      error = "bad step '" + part +
+              "'; expected tab N, click ID, type ID TEXT, font FACE SIZE, color ID R G B, shot PATH, ok, cancel";
       return false;
     }
     steps.push_back(step);
@@ -267,6 +286,19 @@ bool CheckTabs(const Picture& shot, POINT origin, HWND frame, HWND mdiClient, co
     bar = search.found;
     tabs = bar ? GetDlgItem(bar, 1003) : nullptr;
   }
+  if (side == "none") {
+    // The bar gives its place up (HideOnSingle with one drawing): the drawing
+    // area runs over the whole of the bar's rectangle.
+    RECT barRect{}, area{}, overlap{};
+    if (bar) GetWindowRect(bar, &barRect);
+    GetWindowRect(mdiClient, &area);
+    const bool covered = !bar || !IsWindowVisible(bar) ||
+                         (IntersectRect(&overlap, &barRect, &area) && EqualRect(&overlap, &barRect));
+    log << "    check-tabs: bar at " << barRect.left - origin.x << "," << barRect.top - origin.y << ", drawing area from "
+        << area.left - origin.x << " to " << area.right - origin.x << std::endl;
+    if (!covered) error = "check-tabs: the bar still takes its place beside the drawing area";
+    return covered;
+  }
   if (!tabs || !IsWindowVisible(tabs)) {
     error = "check-tabs: the bar shows no tabs";
     return false;
@@ -279,22 +311,22 @@ bool CheckTabs(const Picture& shot, POINT origin, HWND frame, HWND mdiClient, co
                       : side == "right" ? barRect.left >= area.right - 1
                       : side == "top"   ? barRect.bottom <= area.top + 1
                                         : barRect.top >= area.bottom - 1;
-  RECT first{};
-  SendMessageA(tabs, TCM_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&first));
-  MapWindowPoints(tabs, nullptr, reinterpret_cast<POINT*>(&first), 2);
+  // Tabs on a side are drawn turned: the control's whole rectangle is read.
   std::set<std::uint32_t> colours;
-  const int y = (first.top + first.bottom) / 2 - origin.y;
-  for (int x = tabRect.left; x < tabRect.right; ++x) colours.insert(shot.At(x - origin.x, y));
+  for (int y = tabRect.top; y < tabRect.bottom; ++y)
+    for (int x = tabRect.left; x < tabRect.right; ++x) colours.insert(shot.At(x - origin.x, y - origin.y));
   log << "    check-tabs: bar at " << barRect.left - origin.x << "," << barRect.top - origin.y << " "
       << barRect.right - barRect.left << "x" << barRect.bottom - barRect.top << ", drawing area from "
       << area.left - origin.x << " to " << area.right - origin.x << ", " << colours.size()
-      << " colours along the first row of tabs" << std::endl;
+      << " colours in the tabs" << std::endl;
   if (!placed) {
     error = "check-tabs: the bar is not on the " + side + " of the drawing area";
     return false;
   }
-  if (colours.size() < 3) {
-    error = "check-tabs: no tabs drawn in the screenshot";
+  const LRESULT items = SendMessageA(tabs, TCM_GETITEMCOUNT, 0, 0);
+  if (items < 1 || colours.size() < 3) {
+    error = "check-tabs: no tabs drawn in the screenshot (" + std::to_string(items) + " tabs, " +
+            std::to_string(colours.size()) + " colours)";
     return false;
   }
   return true;

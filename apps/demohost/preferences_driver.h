@@ -3,13 +3,15 @@
 // timer that the loop dispatches does the steps, one a tick, through the same
 // messages a user's clicks and typing send: BM_CLICK on a check box, radio or
 // button, WM_SETTEXT on an edit, TCN_SELCHANGE of the tab control, and in the
-// system's font chooser the face and size picked from its lists, then OK.
+// system's font chooser the face and size picked from its lists, in its colour
+// chooser the red, green and blue typed, then OK.
 //
 // Steps, separated by ";":
 //   tab N            the page N (0 "常规", 1 "显示方式")
 //   click ID         a check box, a radio or a button of either page
 //   type ID TEXT     an edit's text
 //   font FACE SIZE   the font button, then FACE at SIZE points in the chooser
+//   color ID R G B   a colour button, then that colour typed in the chooser
 //   shot PATH        the dialog's picture (.png or .bmp)
 //   ok | cancel      closes the dialog (the last step)
 #pragma once
@@ -38,9 +40,10 @@ bool DrivePreferences(const std::vector<PreferencesStep>& steps, const std::func
                       const std::string& outputFolder, std::ostream& log, std::string& error);
 
 // The bar's tab control in the last screenshot `shot` (taken of `frame` at
-// `shotOrigin`): it is shown, draws its tabs (more than two colours along the
-// middle of its first row), and the bar is on `side` ("left", "right", "top",
-// "bottom") of the drawing area `mdiClient`.
+// `shotOrigin`): it is shown, draws its tabs (more than two colours in its
+// rectangle: faces, text, the selected tab), and the bar is on `side` ("left", "right", "top", "bottom") of the
+// drawing area `mdiClient`. With `side` "none": the bar takes no place, the
+// drawing area covering its rectangle.
 struct Picture;
 bool CheckTabs(const Picture& shot, POINT shotOrigin, HWND frame, HWND mdiClient, const std::string& side,
                std::ostream& log, std::string& error);

@@ -45,7 +45,7 @@ const std::map<std::string, Verb>& Verbs() {
       {"dialog", {2, 4, "dialog TITLE type|select|click|header|size|screenshot|close [ARGS]"}},
       {"worksets", {2, 3, "worksets new NAME [FROM] | worksets check EXPECTED"}},
       {"preferences", {1, 1, "preferences \"STEP; STEP; ... ok|cancel\""}},
-      {"check-tabs", {1, 1, "check-tabs left|right|top|bottom"}},
+      {"check-tabs", {1, 1, "check-tabs left|right|top|bottom|none"}},
       {"check-setting", {2, 2, "check-setting [SECTION/]KEY VALUE|FACE"}},
       {"ctrl-tab", {2, 3, "ctrl-tab TABS SHOT.png|SHOT.bmp [NAME]"}},
       {"check-clipboard", {1, 1, "check-clipboard N"}},

@@ -122,7 +122,8 @@ void TavletModule::Init(void* pkt) {
       menu_ = std::make_unique<menus::BarMenu>(menus::BarMenuServices{
           session_, application_, windows, store_, *services_.files, *bar_, services_.shell, services_.user,
           services_.layoutChooser, services_.sheetSetDialog,
-          menus::MenuDialogs{[this] { OnAbout(); }, [this] { OnOptions(); }, [this] { OnManageWorksets(); }}});
+          menus::MenuDialogs{[this] { OnAbout(); }, [this] { OnOptions(); }, [this] { OnManageWorksets(); }},
+          services_.worksetSelector});
       extras_ = std::make_unique<ModuleExtras>(
           ExtrasServices{session_, store_, *services_.files, menu_->DataFolder(), services_.switcherPopup}, *bar_);
       mdiHook_ = std::make_unique<FrameAreaHook>(windows, *bar_, on_);

@@ -43,6 +43,8 @@ struct ModuleServices {
   std::function<void()> aboutBox;
   // The menu's "管理...": the workset manager, when the window side provides it.
   std::function<void()> worksetManager;
+  // SelectAndOpenWorkset's file selector; none: the selection opens nothing.
+  WorksetFileSelector* worksetSelector = nullptr;
   // The right-click menu's desktop parts; none: the menu does without them.
   operations::OperationShell* shell = nullptr;
   UserEnvironment* user = nullptr;

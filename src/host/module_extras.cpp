@@ -12,7 +12,7 @@
 namespace tavlet::host {
 
 ModuleExtras::ModuleExtras(ExtrasServices services, bar::BarModel& bar) : services_(std::move(services)), bar_(bar) {
-  if (ReadInt(services_.settings, keys::SessionRestore) > 0)
+  if (ReadExtra(services_.settings, keys::SessionRestore) > 0)
     session_ = std::make_unique<operations::SessionRecorder>(services_.files,
                                                              services_.dataFolder + operations::kSessionFileName);
   if (ReadInt(services_.settings, keys::KeepThumbnails) != 0) {
@@ -127,13 +127,31 @@ void ModuleExtras::OnRestore(operations::DrawingOperations& operations) {
 }
 
 void ModuleExtras::OfferRestore(operations::DrawingOperations& operations) {
-  if (!session_ || ReadInt(services_.settings, keys::SessionRestore) < 2 || session_->LastSession().empty()) return;
+  if (!session_ || ReadExtra(services_.settings, keys::SessionRestore) < 2 || session_->LastSession().empty()) return;
   std::string question = extras_texts::kOfferRestore;
   question.replace(question.find("%d"), 2, std::to_string(session_->LastSession().size()));
   long answer = 0;
   if (port::Succeeded(services_.session.Boxes()->Show(question.c_str(), port::kBoxYesNo, &answer)) &&
       answer == port::kAnswerYes)
     OnRestore(operations);
+}
+
+void ModuleExtras::ReloadSettings() {
+  const bool record = ReadExtra(services_.settings, keys::SessionRestore) > 0;
+  if (record == static_cast<bool>(session_)) return;
+  session_.reset();
+  paths_.clear();
+  if (!record) return;
+  session_ = std::make_unique<operations::SessionRecorder>(services_.files,
+                                                           services_.dataFolder + operations::kSessionFileName);
+  for (const auto& entry : bar_.Strip().Entries()) {
+    const port::Document doc = entry->document;
+    const std::string path = PathOf(doc);
+    paths_.emplace_back(doc, path);
+    bool readOnly = false;
+    if (port::Failed(services_.session.Documents()->IsReadOnly(doc, &readOnly))) readOnly = false;
+    session_->Opened(doc, path, readOnly);
+  }
 }
 
 }  // namespace tavlet::host

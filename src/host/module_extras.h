@@ -57,6 +57,10 @@ class ModuleExtras final {
   // Null unless KeepThumbnails is on.
   const previews::ThumbnailCache* Thumbnails() const { return thumbnails_.get(); }
 
+  // After the preferences' OK: SessionRestore read again, the session recorder
+  // made (over the drawings open now) or dropped.
+  void ReloadSettings();
+
  private:
   void DocumentCreated(port::Document doc);
   void DocumentToBeDestroyed(port::Document doc);

@@ -42,7 +42,7 @@ BarMenu::BarMenu(BarMenuServices s) : fallbacks_(std::make_unique<Fallbacks>()) 
   };
   dataFolder_ = DecideDataFolder(user, s.files);
   worksets_ = std::make_unique<WorksetStore>(WorksetServices{s.files, s.settings, *s.session.Boxes(), user,
-                                                             dataFolder_, open});
+                                                             dataFolder_, open, s.worksetSelector});
   sheetSets_ = std::make_unique<sheetsets::SheetSetCommands>(
       sheetsets::SheetSetServices{s.session, s.application, s.files, s.settings, shell, open, s.sheetSetDialog,
                                   s.bar.Window(), operations_->hostVersion});

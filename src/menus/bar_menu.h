@@ -33,6 +33,7 @@ struct BarMenuServices {
   content::LayoutChooser* layoutChooser = nullptr;
   sheetsets::SheetSetDialogRunner* sheetSetDialog = nullptr;
   MenuDialogs dialogs;
+  WorksetFileSelector* worksetSelector = nullptr;  // none: "<选择>" opens nothing
 };
 
 class BarMenu {

@@ -201,7 +201,7 @@ void ContextMenu::BuildDrawingBlock(MenuEntry& top, int& nextId) {
   top.Append(ids::Close,
              FormatText(texts::Close, {DocumentNamePart(documents, document, services_.files)}));
   top.Append(ids::OpenFolder, texts::OpenFolder);
-  if (ReadBool(services_.settings, keys::ExtraDrawingCommands)) {
+  if (ReadExtra(services_.settings, keys::ExtraDrawingCommands) != 0) {
     top.Append(ids::CloseOthers, texts::CloseOthers);
     top.Append(ids::CopyFullPath, texts::CopyFullPath);
     top.Append(ids::ShowInFolder, texts::ShowInFolder);

@@ -109,7 +109,7 @@ void ContextMenu::MapFixedCommands() {
 // Read at each choice, as the menu reads it at each build: with the setting off
 // the ids mean nothing, like any id no handler has.
 bool ContextMenu::RunExtraCommand(int id) {
-  if (!ReadBool(services_.settings, keys::ExtraDrawingCommands)) return false;
+  if (ReadExtra(services_.settings, keys::ExtraDrawingCommands) == 0) return false;
   switch (id) {
     case ids::CloseOthers:
       services_.operations.OnCloseOthers(services_.operations.contextDocument);

@@ -29,4 +29,12 @@ inline constexpr SettingKey KeepThumbnails{"Extras", "KeepThumbnails", SettingTy
 inline constexpr SettingKey CtrlTabSwitcher{"Extras", "CtrlTabSwitcher", SettingType::Bool, DefaultSource::Fixed, 0};
 }  // namespace keys
 
+// An addition's setting. Reading through the store opens the section by creating
+// it; with nothing stored the section is left unmade, so that a user who never
+// turned an addition on finds no trace of them.
+inline int ReadExtra(const SettingsStore& store, const SettingKey& setting) {
+  if (!store.Backend().KeyExists(store.KeyPath(setting.section))) return setting.intDefault;
+  return ReadInt(store, setting);
+}
+
 }  // namespace tavlet

@@ -41,7 +41,8 @@ void SheetSetCommands::FillSheetSetLists(int& nextId, bool placeholders) {
   services_.session.Services()->RoamableRootFolder(&root);
   std::vector<std::string> recent;
   // Read at each fill, so that the preferences take effect at the next menu.
-  ReadHostSheetSetList(recent, root.text, services_.files, ReadBool(services_.settings, keys::SheetSetListByEncoding));
+  ReadHostSheetSetList(recent, root.text, services_.files,
+                       ReadExtra(services_.settings, keys::SheetSetListByEncoding) != 0);
   for (const std::string& path : recent) recentSheetSets.emplace(nextId++, DrawingPath(path, services_.files));
   if (recentSheetSets.empty() && placeholders)
     recentSheetSets.emplace(nextId++, DrawingPath(content::kNotFound, services_.files));

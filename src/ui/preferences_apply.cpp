@@ -2,8 +2,35 @@
 
 #include "bar/strip_actions.h"
 #include "host/com_error.h"
+#include "host/module.h"
+#include "host/module_extras.h"
+#include "settings/extra_settings.h"
 
 namespace tavlet::ui {
+
+namespace {
+
+// The extras page's controls and the settings they stand for, in the order they are saved.
+constexpr std::pair<const SettingKey*, int ExtraSettings::*> kExtraKeys[] = {
+    {&keys::SheetSetListByEncoding, &ExtraSettings::sheetSetListByEncoding},
+    {&keys::ExtraDrawingCommands, &ExtraSettings::extraDrawingCommands},
+    {&keys::SessionRestore, &ExtraSettings::sessionRestore},
+    {&keys::KeepThumbnails, &ExtraSettings::keepThumbnails},
+    {&keys::CtrlTabSwitcher, &ExtraSettings::ctrlTabSwitcher},
+};
+
+}  // namespace
+
+ExtraSettings ReadExtraSettings(const SettingsStore& store) {
+  ExtraSettings extras;
+  for (const auto& [key, field] : kExtraKeys) extras.*field = ReadExtra(store, *key);
+  return extras;
+}
+
+void SaveExtraSettings(const SettingsStore& store, const ExtraSettings& stored, const ExtraSettings& chosen) {
+  for (const auto& [key, field] : kExtraKeys)
+    if (chosen.*field != stored.*field) WriteInt(store, *key, chosen.*field);
+}
 
 void ApplyPreferences(const PreferencesDialog& dialog, PreferencesTarget& target, const SettingsStore& store) {
   const PreferenceFlags& f = dialog.flags;
@@ -53,6 +80,7 @@ void ApplyPreferences(const PreferencesDialog& dialog, PreferencesTarget& target
     target.ApplyTipSettings();
   }
   SaveSettings(store, bar);
+  SaveExtraSettings(store, dialog.StoredExtras(), dialog.ChosenExtras());
   target.RecalcFrameLayout();
 }
 
@@ -112,9 +140,15 @@ void RunPreferences(bar::BarModel* bar, host::ArxModule& arx, const SettingsStor
   if (!bar || !modal) return;
   BarPreferencesTarget target(*bar, arx, std::move(actions));
   PreferencesDialog dialog(bar->Settings(), ReadInt(store, keys::LastTab), display, logPixelsY);
+  dialog.ShowExtras(ReadExtraSettings(store));
   const bool ok = modal(dialog, target);
   WriteInt(store, keys::LastTab, dialog.currentTab);
-  if (ok) ApplyPreferences(dialog, target, store);
+  if (!ok) return;
+  ApplyPreferences(dialog, target, store);
+  // The other additions read their settings where they are used; the session
+  // recorder is made or dropped once, so it is told.
+  if (host::TavletModule* module = host::CurrentModule(); module && module->Extras())
+    module->Extras()->ReloadSettings();
 }
 
 }  // namespace tavlet::ui

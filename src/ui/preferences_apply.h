@@ -35,8 +35,16 @@ class PreferencesTarget : public PreferencePagesTarget {
   virtual void RecalcFrameLayout() = 0;
 };
 
-// Applies the dialog's flags in their order, then SaveSettings, then the
-// frame's final layout. The fonts that changed are written beside.
+// The additions' settings as stored, each at its default when absent; a
+// missing section is left missing.
+ExtraSettings ReadExtraSettings(const SettingsStore& store);
+// Writes only the settings that differ from `stored`: with the extras page
+// left alone, no key of the section appears.
+void SaveExtraSettings(const SettingsStore& store, const ExtraSettings& stored, const ExtraSettings& chosen);
+
+// Applies the dialog's flags in their order, then SaveSettings and the extras
+// page's changes, then the frame's final layout. The fonts that changed are
+// written beside.
 void ApplyPreferences(const PreferencesDialog& dialog, PreferencesTarget& target, const SettingsStore& store);
 
 // The window side's parts of the target: what only the bar's windows can do.
@@ -87,8 +95,9 @@ class BarPreferencesTarget final : public PreferencesTarget {
 // must call Ok itself until that succeeds, as the window's OK button does.
 using PreferencesModal = std::function<bool(PreferencesDialog& dialog, PreferencesTarget& target)>;
 
-// TLOPTIONS: the dialog over the bar's fields and the stored LastTab; LastTab
-// written back whatever the answer; on OK the flags applied. Nothing without a bar.
+// TLOPTIONS: the dialog over the bar's fields, the stored extras and LastTab;
+// LastTab written back whatever the answer; on OK the flags applied and the
+// running module's extras told to read their settings again. Nothing without a bar.
 void RunPreferences(bar::BarModel* bar, host::ArxModule& arx, const SettingsStore& store,
                     DisplayDefaults& display, int logPixelsY, BarWindowActions actions,
                     const PreferencesModal& modal);

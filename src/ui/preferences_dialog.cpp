@@ -4,6 +4,7 @@
 #include <climits>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 #include "bar/bar_model.h"
 
@@ -77,13 +78,25 @@ constexpr std::array kDisplay = {
     PreferenceControl{pref::kFontLabel, Label, "字体类型"},
 };
 
+constexpr std::array kExtras = {
+    PreferenceControl{pref::kExtraDrawingCommands, Check, "图纸菜单中的更多操作 (关闭其他图纸、复制完整路径、在文件夹中显示)"},
+    PreferenceControl{pref::kCtrlTabSwitcher, Check, "Ctrl+Tab 切换图纸"},
+    PreferenceControl{pref::kKeepThumbnails, Check, "保留缩略图 (重新打开时显示)"},
+    PreferenceControl{pref::kSheetSetListByEncoding, Check, "按文件编码读取最近的图纸集 (UTF-8)"},
+    PreferenceControl{pref::kSessionGroup, Group, "会话恢复"},
+    PreferenceControl{pref::kSessionOff, Radio, "不记录会话"},
+    PreferenceControl{pref::kSessionRecord, Radio, "记录打开的图纸 (TLRESTORE)"},
+    PreferenceControl{pref::kSessionOffer, Radio, "记录, 并在启动时提示恢复"},
+};
+
 // Radio groups: a choice clears the others of its group.
-constexpr std::array<std::initializer_list<int>, 4> kRadioGroups = {{
+constexpr std::array<std::initializer_list<int>, 5> kRadioGroups = {{
     {pref::kSortNone, pref::kSortByName, pref::kSortByPath},
     {pref::kPreviews, pref::kTabs},
     {pref::kFloating, pref::kDocked},
     {pref::kDockLeft, pref::kDockRight, pref::kDockTop, pref::kDockBottom, pref::kDockCommandLeft,
      pref::kDockCommandRight},
+    {pref::kSessionOff, pref::kSessionRecord, pref::kSessionOffer},
 }};
 
 // Dock radios and their sides, in the order OK tests them.
@@ -96,7 +109,8 @@ constexpr std::array<std::pair<int, int>, 6> kDockRadios = {{
     {pref::kDockCommandRight, bar::kDockCommandRight},
 }};
 
-// The controls that show one setting each, as the data exchange binds them.
+// The controls that show one setting each, as the data exchange binds them;
+// the numbers in the order the pages exchange them.
 template <typename Field>
 struct Binding {
   int id;
@@ -132,9 +146,16 @@ constexpr Binding<std::uint32_t> kColorBindings[] = {
     {pref::kModified, &BarSettings::Modified},
 };
 
-// The numbers each page exchanges, in its order.
-constexpr std::array kGeneralNumbers = {pref::kTipWidth, pref::kTipDelay, pref::kTipRemain, pref::kNumSheetSets};
-constexpr std::array kDisplayNumbers = {pref::kScrollBarSize};
+constexpr std::pair<int, int ExtraSettings::*> kExtraCheckBindings[] = {
+    {pref::kExtraDrawingCommands, &ExtraSettings::extraDrawingCommands},
+    {pref::kCtrlTabSwitcher, &ExtraSettings::ctrlTabSwitcher},
+    {pref::kKeepThumbnails, &ExtraSettings::keepThumbnails},
+    {pref::kSheetSetListByEncoding, &ExtraSettings::sheetSetListByEncoding},
+};
+// SessionRestore's radios by value; a stored value past 2 offers, as the module reads it.
+constexpr int kSessionRadios[] = {pref::kSessionOff, pref::kSessionRecord, pref::kSessionOffer};
+
+int SessionChoice(int value) { return value <= 0 ? 0 : value >= 2 ? 2 : 1; }
 
 bool IsBlank(char c) { return c == ' ' || c == '\t'; }
 
@@ -143,11 +164,12 @@ bool IsBlank(char c) { return c == ' ' || c == '\t'; }
 std::span<const PreferenceControl> PageControls(int page) {
   if (page == kGeneralPageId) return kGeneral;
   if (page == kDisplayPageId) return kDisplay;
+  if (page == kExtrasPageId) return kExtras;
   return {};
 }
 
 int PageOf(int id) {
-  for (int page : {kGeneralPageId, kDisplayPageId})
+  for (int page : kPageIds)
     for (const PreferenceControl& control : PageControls(page))
       if (control.id == id) return page;
   return 0;
@@ -196,7 +218,7 @@ PreferencesDialog::PreferencesDialog(const BarSettings& bar, int lastTab, Displa
                                      int logPixelsY)
     : currentTab(lastTab), labelFont(bar.LabelFont), tabFont(bar.TabFont), display_(display),
       logPixelsY_(logPixelsY) {
-  for (int page : {kGeneralPageId, kDisplayPageId})
+  for (int page : kPageIds)
     for (const PreferenceControl& control : PageControls(page)) controls_[control.id].text = control.text;
 
   // Both pages' data exchange, then their opening rules in the pages' order.
@@ -218,6 +240,8 @@ PreferencesDialog::PreferencesDialog(const BarSettings& bar, int lastTab, Displa
     if (side == bar.DockSide) dock = id;
   Choose(dock);
   ScrollRule();
+
+  ShowExtras({});
 }
 
 PreferencesDialog::State& PreferencesDialog::At(int id) { return controls_[id]; }
@@ -336,6 +360,22 @@ void PreferencesDialog::TakeChosenFont(const LogFontA& chosen) {
   ShowFontLabel();
 }
 
+void PreferencesDialog::ShowExtras(const ExtraSettings& stored) {
+  storedExtras_ = stored;
+  for (const auto& [id, field] : kExtraCheckBindings) At(id).checked = stored.*field != 0;
+  Choose(kSessionRadios[SessionChoice(stored.sessionRestore)]);
+}
+
+ExtraSettings PreferencesDialog::ChosenExtras() const {
+  ExtraSettings chosen = storedExtras_;
+  for (const auto& [id, field] : kExtraCheckBindings)
+    if (Checked(id) != (storedExtras_.*field != 0)) chosen.*field = Checked(id) ? 1 : 0;
+  for (int value = 0; value < 3; ++value)
+    if (Checked(kSessionRadios[value]) && value != SessionChoice(storedExtras_.sessionRestore))
+      chosen.sessionRestore = value;
+  return chosen;
+}
+
 int PreferencesDialog::ChosenSortBy() const {
   if (Checked(pref::kSortByName)) return 1;
   if (Checked(pref::kSortByPath)) return 2;
@@ -352,13 +392,10 @@ PreferencesOkResult PreferencesDialog::Ok(PreferencePagesTarget& target) {
   // Both pages exchange their numbers first, so that a refused one leaves the
   // bar's fields as they were.
   std::map<int, int> numbers;
-  for (auto [page, ids] : {std::pair{kGeneralPageId, std::span<const int>(kGeneralNumbers)},
-                           std::pair{kDisplayPageId, std::span<const int>(kDisplayNumbers)}}) {
-    for (int id : ids) {
-      const NumberExchange number = ExchangeInt(Text(id));
-      if (!number.ok) return {false, page, id};
-      numbers[id] = number.value;
-    }
+  for (const auto& binding : kNumberBindings) {
+    const NumberExchange number = ExchangeInt(Text(binding.id));
+    if (!number.ok) return {false, PageOf(binding.id), binding.id};
+    numbers[binding.id] = number.value;
   }
   GeneralOk(numbers, target);
   DisplayOk(numbers, target);

@@ -1,11 +1,12 @@
-// The preferences dialog without its windows: the two pages' controls, each
-// bound to the bar's setting it shows, the rules that enable and disable them,
-// the typed numbers' data exchange, and each page's OK, which writes the bar's
-// fields and raises the change flags that ApplyPreferences then acts on.
+// The preferences dialog without its windows: the pages' controls, each bound
+// to the bar's setting it shows, the rules that enable and disable them, the
+// typed numbers' data exchange, and each page's OK, which writes the bar's
+// fields and raises the change flags that ApplyPreferences then acts on. A
+// third page shows the additions' settings, which ApplyPreferences saves itself.
 //
-//   PreferencesDialog dialog(bar.Settings(), lastTab);
-//   dialog.Click(kRadioTabs);            // the window forwards each click
-//   dialog.Type(kEditTipWidth, "250");   // and each edit's text
+//   PreferencesDialog dialog(bar.Settings(), lastTab, display);
+//   dialog.Click(pref::kTabs);            // the window forwards each click
+//   dialog.Type(pref::kTipWidth, "250");  // and each edit's text
 //   if (dialog.Ok(target).ok) ApplyPreferences(dialog, target, store);
 #pragma once
 
@@ -23,6 +24,8 @@ inline constexpr int kGeneralPageId = 505;
 inline constexpr int kDisplayPageId = 506;
 inline constexpr char kGeneralPageTitle[] = "常规";
 inline constexpr char kDisplayPageTitle[] = "显示方式";
+inline constexpr int kExtrasPageId = 507;
+inline constexpr char kExtrasPageTitle[] = "扩展功能";
 
 // The control ids of both pages.
 namespace pref {
@@ -87,6 +90,15 @@ inline constexpr int kResetColors = 2037;
 inline constexpr int kFontGroup = 2061;
 inline constexpr int kChooseFont = 2060;
 inline constexpr int kFontLabel = 2059;
+// Extras page (507).
+inline constexpr int kExtraDrawingCommands = 4001;
+inline constexpr int kCtrlTabSwitcher = 4002;
+inline constexpr int kKeepThumbnails = 4003;
+inline constexpr int kSheetSetListByEncoding = 4004;
+inline constexpr int kSessionGroup = 4005;
+inline constexpr int kSessionOff = 4006;
+inline constexpr int kSessionRecord = 4007;
+inline constexpr int kSessionOffer = 4008;
 }  // namespace pref
 
 enum class ControlKind { Check, Radio, Edit, Label, Group, ColorButton, Button };
@@ -97,10 +109,24 @@ struct PreferenceControl {
   std::string_view text;  // code page 936; empty for an edit
 };
 
-// The controls of page 505 or 506, in the order the pages list them.
+// The pages in the order the dialog shows them.
+inline constexpr int kPageIds[] = {kGeneralPageId, kDisplayPageId, kExtrasPageId};
+
+// The controls of page 505, 506 or 507, in the order the pages list them.
 std::span<const PreferenceControl> PageControls(int page);
-// 505 or 506; 0 for an id on neither page.
+// 505, 506 or 507; 0 for an id on no page.
 int PageOf(int id);
+
+// The additions' settings (section "Extras"), as stored: a value outside the
+// page's choices is kept as it is until the user changes that control.
+struct ExtraSettings {
+  int extraDrawingCommands = 0;
+  int ctrlTabSwitcher = 0;
+  int keepThumbnails = 0;
+  int sheetSetListByEncoding = 0;
+  int sessionRestore = 0;  // 0 off, 1 recorded, 2 recorded and offered at start-up
+  friend bool operator==(const ExtraSettings&, const ExtraSettings&) = default;
+};
 
 // The ten flags the pages' OK raises; ApplyPreferences reads them.
 struct PreferenceFlags {
@@ -184,6 +210,13 @@ class PreferencesDialog {
   const LogFontA& FontForChooser() const { return FontButtonEditsTabFont() ? tabFont : labelFont; }
   void TakeChosenFont(const LogFontA& chosen);
 
+  // ---- the extras page ----
+  // The stored values, shown on the page; they start at their defaults.
+  void ShowExtras(const ExtraSettings& stored);
+  const ExtraSettings& StoredExtras() const { return storedExtras_; }
+  // What the page says now: a control left as it showed keeps the stored value.
+  ExtraSettings ChosenExtras() const;
+
   // ---- closing ----
   // Data exchange of both pages; on success each page's OK writes the bar's
   // fields through `target` and raises its flags. On a refused number nothing
@@ -217,6 +250,7 @@ class PreferencesDialog {
   void DisplayOk(const std::map<int, int>& numbers, PreferencePagesTarget& target);
 
   std::map<int, State> controls_;
+  ExtraSettings storedExtras_;
   DisplayDefaults& display_;
   int logPixelsY_;
 };

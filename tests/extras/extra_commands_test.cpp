@@ -57,7 +57,9 @@ TEST(ExtraCommands, OffTheMenuAndTheIdsAreAsBefore) {
   for (int id : {ids::CloseOthers, ids::CopyFullPath, ids::ShowInFolder}) EXPECT_FALSE(off.Menu().OnCommand(id));
   EXPECT_TRUE(off.shell.Calls().empty());
   EXPECT_EQ(off.Open().size(), 4u);
+  off.Menu().Build(off.docs[0]);
   for (const std::string& write : off.h.registry.WriteLog()) EXPECT_EQ(write.find("Extras"), std::string::npos) << write;
+  for (const std::string& key : off.h.registry.Tree().KeyPaths()) EXPECT_EQ(key.find("Extras"), std::string::npos) << key;
 }
 
 TEST(ExtraCommands, EntriesFollowOpenFolderAndDoTheirWork) {

@@ -15,6 +15,13 @@
 
 namespace tavlet::testing {
 
+std::string WinePath(const std::string& unixPath) {
+  std::string path = "Z:" + unixPath;
+  for (char& c : path)
+    if (c == '/') c = '\\';
+  return path;
+}
+
 std::string SharedDir() {
   std::error_code error;
   std::filesystem::path dir(TAVLET_SHARED_DIR);

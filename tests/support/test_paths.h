@@ -14,6 +14,10 @@ std::string SharedDrawing(const std::string& fileName);
 // The checkout's samples folder (sample drawings and sheet sets).
 std::string SamplesDir();
 
+// A path of the build machine as a Windows program under Wine sees it: on
+// drive Z:, with backslashes.
+std::string WinePath(const std::string& unixPath);
+
 // A fresh, empty folder for one test, removed at exit.
 std::string MakeTempFolder(const std::string& tag);
 

@@ -132,16 +132,9 @@ TEST(LayoutChooser, ListsTheNamesSortedAndGivesTheLastSelectionOnOkOnly) {
   }
 }
 
-std::string WinePath(const char* unixPath) {
-  std::string path = std::string("Z:") + unixPath;
-  for (char& c : path)
-    if (c == '/') c = '\\';
-  return path;
-}
-
 TEST(LayoutChooser, APaperViewWithNoLayoutAsksOnceFromTheMenu) {
   RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\Morvane");
-  demo::DemoHost demo(WinePath(TAVLET_ARX_PATH), false);
+  demo::DemoHost demo(testing::WinePath(TAVLET_ARX_PATH), false);
   ASSERT_TRUE(demo.CreateFrame(900, 700)) << "no display";
   port::Document plan = demo.Open(testing::SamplesDir() + "\\plan.tdd");
   ASSERT_TRUE(plan) << demo.Host().LastOpenError();

@@ -168,6 +168,18 @@ TEST_F(PreferencesDialogWine, ControlsShowAndChangeTheDialogsState) {
         char text[32] = {};
         GetWindowTextA(Child(dialog, 2019), text, sizeof text);
         EXPECT_STREQ(text, "300");
+        // Wider: the group boxes follow the width, the check boxes stay.
+        RECT group{}, check{}, window{};
+        GetWindowRect(Child(dialog, 2017), &group);
+        GetWindowRect(Child(dialog, 2029), &check);
+        GetWindowRect(dialog, &window);
+        SetWindowPos(dialog, nullptr, 0, 0, window.right - window.left + 120, window.bottom - window.top,
+                     SWP_NOMOVE | SWP_NOZORDER);
+        RECT wider{}, checkAfter{};
+        GetWindowRect(Child(dialog, 2017), &wider);
+        GetWindowRect(Child(dialog, 2029), &checkAfter);
+        EXPECT_EQ((wider.right - wider.left) - (group.right - group.left), 120);
+        EXPECT_EQ(checkAfter.right - checkAfter.left, check.right - check.left);
         return true;
       },
       [&] {
@@ -256,16 +268,21 @@ TEST(PreferencesOnFrame, OkChangesTheRunningBarAndTheRegistry) {
 
   const std::string folder = testing::MakeTempFolder("preferences");
   demo::Script script;
-  ASSERT_TRUE(script.Parse("preferences \"tab 1; click 3004; click 3008; click 2058; ok\"\n"
+  ASSERT_TRUE(script.Parse("preferences \"tab 1; color 2086 255 255 224; click 3004; click 3008; click 2058; ok\"\n"
                            "wait 300\n"
                            "screenshot after.bmp\n"
                            "check-tabs right\n"
                            "check-setting TabMode 1\n"
                            "check-setting DockSide 59421\n"
                            "check-setting HideOnSingle 1\n"
+                           "check-setting Colors/Background 14745599\n"
                            "check-setting PreferencesDlg/LastTab 1\n"
                            "preferences \"click 3007; cancel\"\n"
-                           "check-setting DockSide 59421\n",
+                           "check-setting DockSide 59421\n"
+                           "command CLOSE\n"
+                           "wait 300\n"
+                           "screenshot single.bmp\n"
+                           "check-tabs none\n",
                            error))
       << error;
   std::ostringstream log;

@@ -18,13 +18,6 @@
 namespace tavlet::demo {
 namespace {
 
-std::string WinePath(const char* unixPath) {
-  std::string path = std::string("Z:") + unixPath;
-  for (char& c : path)
-    if (c == '/') c = '\\';
-  return path;
-}
-
 // The lines of `a` and `b` from the first that differs, for a readable failure.
 std::string FirstDifference(const std::string& a, const std::string& b) {
   std::istringstream left(a), right(b);
@@ -41,7 +34,7 @@ std::string FirstDifference(const std::string& a, const std::string& b) {
 
 TEST(SaveCloseSession, TheDemoHostsTranscriptIsTheSimulatedHostsAlone) {
   RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\Morvane");
-  const std::string scriptPath = WinePath(TAVLET_SOURCE_DIR "/apps/demohost/save-close.script");
+  const std::string scriptPath = testing::WinePath(TAVLET_SOURCE_DIR "/apps/demohost/save-close.script");
   std::string error;
   testing::ScriptReplay replay;
   ASSERT_TRUE(replay.Play(scriptPath, error)) << error;
@@ -49,7 +42,7 @@ TEST(SaveCloseSession, TheDemoHostsTranscriptIsTheSimulatedHostsAlone) {
 
   std::string onScreen;
   {
-    DemoHost demo(WinePath(TAVLET_ARX_PATH), false);
+    DemoHost demo(testing::WinePath(TAVLET_ARX_PATH), false);
     ASSERT_TRUE(demo.CreateFrame(900, 700)) << "no display";
     testing::CreatedDocuments created(demo.Host());
     ASSERT_TRUE(demo.LoadModule(error, true)) << error;
@@ -67,7 +60,7 @@ TEST(SaveCloseSession, TheDemoHostsTranscriptIsTheSimulatedHostsAlone) {
 
   // And the record the native suite holds its own run to, so that the Windows
   // build and the native one agree as well.
-  std::ifstream in(WinePath(TAVLET_SOURCE_DIR "/apps/demohost/save-close.transcript"), std::ios::binary);
+  std::ifstream in(testing::WinePath(TAVLET_SOURCE_DIR "/apps/demohost/save-close.transcript"), std::ios::binary);
   ASSERT_TRUE(in);
   std::ostringstream kept;
   kept << in.rdbuf();

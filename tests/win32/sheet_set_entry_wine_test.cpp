@@ -17,13 +17,6 @@
 namespace tavlet::demo {
 namespace {
 
-std::string WinePath(const char* unixPath) {
-  std::string path = std::string("Z:") + unixPath;
-  for (char& c : path)
-    if (c == '/') c = '\\';
-  return path;
-}
-
 struct Seen {
   std::string title;
   std::string set;    // the root's text
@@ -114,7 +107,7 @@ TEST(SheetSetEntry, OpensTheSelectionDialogAndTheTickedSheets) {
            "<MRU_FILES Count=\"1\"><MRU_FILE fileName=\""
         << root << "project.dst\"/></MRU_FILES>\r\n</Tool></ToolsInfo></AdUiTools></AcApData></StorageRoot></Profile>\r\n";
   }
-  DemoHost demo(WinePath(TAVLET_ARX_PATH), false);
+  DemoHost demo(testing::WinePath(TAVLET_ARX_PATH), false);
   ASSERT_TRUE(demo.CreateFrame(900, 700)) << "no display";
   demo.Host().SetRoamableRootFolder(root);
   ASSERT_TRUE(demo.Open(testing::SamplesDir() + "\\plan.tdd"));

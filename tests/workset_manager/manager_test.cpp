@@ -259,6 +259,29 @@ TEST_F(WorksetManagerTest, SheetSetsNeedALaterHostAndAChoiceFromThePopup) {
   // is no sheet set's ends the action.
   EXPECT_EQ(view.shownMenu, "> 最近\n  100 没有找到 (grayed)\n> 找到\n  101 没有找到 (grayed)\n");
   EXPECT_EQ(FileText(), kListed);
+
+  // A sheet set found below the search path, chosen: its ticked sheets go in.
+  files.AddFolder("C:\\sets\\");
+  files.AddFile("C:\\sets\\office.dst", "");
+  sheetSets.sheetSetSearchPath = "C:\\sets\\";
+  struct Sheets final : sheetsets::SheetSetDialogRunner {
+    bool Run(const std::string& path, std::vector<std::string>& selected) override {
+      asked.push_back(path);
+      selected = {"C:\\sheets\\A-101.dwg", "C:\\dwg\\1.dwg"};
+      return true;
+    }
+    Lines asked;
+  } dialog;
+  services.sheetSetDialog = &dialog;
+  WorksetManager manager(services, view);
+  manager.OnInitDialog();
+  view.Pick(manager, "Site");
+  view.menuChoice = 101;
+  manager.OnAddFromSheetSet();
+  EXPECT_EQ(dialog.asked, Lines{"C:\\sets\\office.dst"});
+  EXPECT_EQ(view.shownMenu, "> 最近\n  100 没有找到 (grayed)\n> 找到\n  101 C:\\sets\\office.dst\n");
+  EXPECT_EQ(Boxes().back(), "1 文件已经在选定的工作集中");
+  EXPECT_NE(FileText().find("File3=C:\\dwg\\3.dwg,0\r\n文件4=C:\\sheets\\A-101.dwg,0\r\n"), std::string::npos);
 }
 
 TEST_F(WorksetManagerTest, AFileMadeReadOnlyOrRemovedWhileOpenLosesNothing) {

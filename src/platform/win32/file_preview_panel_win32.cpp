@@ -112,6 +112,8 @@ FilePreviewPanelWindow::~FilePreviewPanelWindow() {
   if (hwnd_ != nullptr) DestroyWindow(hwnd_);
 }
 
+void UnregisterPreviewPanelClass() { UnregisterClassA(kClassName, GetModuleHandleA(nullptr)); }
+
 bool FilePreviewPanelWindow::Create(HWND parent, const RECT& rect, int id) {
   HINSTANCE instance = GetModuleHandleA(nullptr);
   WNDCLASSA windowClass{};

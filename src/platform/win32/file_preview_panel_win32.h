@@ -64,6 +64,11 @@ class GdiPanelCanvas : public PanelCanvas {
   HDC dc_;
 };
 
+// The panel's window class is registered under the process's instance with the
+// procedure of the module that made the first panel: a module that goes away
+// takes it down after its last panel, so that no class points into freed code.
+void UnregisterPreviewPanelClass();
+
 class FilePreviewPanelWindow {
  public:
   // `shell` replaces the shell's extraction (tests); null uses the shell.

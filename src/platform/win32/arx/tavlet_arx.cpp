@@ -12,6 +12,7 @@
 #include "platform/win32/bar/switcher_popup_win32.h"
 #include "platform/win32/content/layout_chooser_win32.h"
 #include "platform/win32/dib_paint.h"
+#include "platform/win32/file_preview_panel_win32.h"
 #include "platform/win32/operations/shell_win32.h"
 #include "platform/win32/raster_gdi.h"
 #include "platform/win32/registry_backend_win32.h"
@@ -80,6 +81,7 @@ struct LoadedModule {
   Win32DisplayDefaults display;
   std::unique_ptr<operations::OperationShell> shell;
   Win32UserEnvironment user;
+  RunningModuleFileSelector worksetSelector;
   LayoutChooserWin32 layoutChooser;
   ModuleSheetSetDialog sheetSetDialog;
   // Only while CtrlTabSwitcher is on.
@@ -120,6 +122,7 @@ void Load(void* pkt, port::HostSession& session) {
   services.sheetSetDialog = &module.sheetSetDialog;
   services.modulePath = ModulePath();
   services.aboutBox = [] { ShowAboutBox(HostFrame()); };
+  services.worksetSelector = &module.worksetSelector;
   services.worksetManager = [] { ShowWorksetManager(HostFrame()); };
   services.preferencesDialog = [] {
     LoadedModule* loaded = Loaded().get();
@@ -148,6 +151,7 @@ void Load(void* pkt, port::HostSession& session) {
 void Unload(port::HostSession& session) {
   if (Loaded()) Loaded()->ctrlTab.reset();
   CloseWorksetManagers();
+  UnregisterPreviewPanelClass();
   TavletEntry(host::kUnloadAppMsg, nullptr, &session);
   UnloadAlphaBlend();
   // A class keeps this DLL's window procedure: it must go before the DLL does.

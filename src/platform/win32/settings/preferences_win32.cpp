@@ -3,7 +3,10 @@
 #include <commctrl.h>
 #include <commdlg.h>
 
+#include <iterator>
+
 #include "host/module.h"
+#include "platform/win32/bar/bar_tips_win32.h"
 #include "platform/win32/handles.h"
 #include "platform/win32/raster_gdi.h"
 #include "platform/win32/window.h"
@@ -12,7 +15,8 @@
 namespace tavlet::win32 {
 namespace {
 
-constexpr int kPageIds[2] = {ui::kGeneralPageId, ui::kDisplayPageId};
+using ui::kPageIds;
+constexpr int kPageCount = static_cast<int>(std::size(kPageIds));
 // The font dialog's flags: screen fonts, no script choice.
 constexpr DWORD kFontDialogFlags = 0x800001;
 
@@ -56,13 +60,13 @@ bool PreferencesWindow::OnInitDialog() {
     DeleteMenu(system, 9, MF_BYCOMMAND);
   }
   tabs_ = GetDlgItem(hwnd(), IDC_PREFERENCES_TABS);
-  const char* titles[2] = {ui::kGeneralPageTitle, ui::kDisplayPageTitle};
-  for (int i = 0; i < 2; ++i) {
+  const char* titles[kPageCount] = {ui::kGeneralPageTitle, ui::kDisplayPageTitle, ui::kExtrasPageTitle};
+  for (int i = 0; i < kPageCount; ++i) {
     TCITEMA item{};
     item.mask = TCIF_TEXT;
     item.pszText = const_cast<char*>(titles[i]);
     SendMessageA(tabs_, TCM_INSERTITEMA, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&item));
-    // Both pages are made now: OK reads a page the user never opened all the same.
+    // Every page is made now: OK reads a page the user never opened all the same.
     pages_[i] = CreateDialogParamA(resources_, MAKEINTRESOURCEA(kPageIds[i]), hwnd(), PageProcedure,
                                    reinterpret_cast<LPARAM>(this));
     if (pages_[i]) SetWindowPos(pages_[i], HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
@@ -72,7 +76,7 @@ bool PreferencesWindow::OnInitDialog() {
   RECT client{};
   GetClientRect(hwnd(), &client);
   OnSize(SIZE_RESTORED, client.right, client.bottom);
-  ShowPage(model_.currentTab == 1 ? 1 : 0);
+  ShowPage(model_.currentTab > 0 && model_.currentTab < kPageCount ? model_.currentTab : 0);
   return true;
 }
 
@@ -95,7 +99,7 @@ void PreferencesWindow::LayOutPages() {
   MapWindowPoints(nullptr, hwnd(), reinterpret_cast<POINT*>(&area), 2);
   SendMessageA(tabs_, TCM_ADJUSTRECT, FALSE, reinterpret_cast<LPARAM>(&area));
   const long margin = DluToPixelsX(7);
-  for (int i = 0; i < 2; ++i) {
+  for (int i = 0; i < kPageCount; ++i) {
     if (!pages_[i]) continue;
     MoveWindow(pages_[i], area.left, area.top, area.right - area.left, area.bottom - area.top, TRUE);
     // The group boxes follow the page's width; everything else stays where the resource put it.
@@ -114,7 +118,7 @@ void PreferencesWindow::LayOutPages() {
 void PreferencesWindow::ShowPage(int index) {
   model_.currentTab = index;
   SendMessageA(tabs_, TCM_SETCURSEL, static_cast<WPARAM>(index), 0);
-  for (int i = 0; i < 2; ++i)
+  for (int i = 0; i < kPageCount; ++i)
     if (pages_[i]) ShowWindow(pages_[i], i == index ? SW_SHOW : SW_HIDE);
 }
 
@@ -232,7 +236,7 @@ void PreferencesWindow::DrawColorButton(const DRAWITEMSTRUCT& item) {
 
 void PreferencesWindow::Sync() {
   syncing_ = true;
-  for (int i = 0; i < 2; ++i) {
+  for (int i = 0; i < kPageCount; ++i) {
     if (!pages_[i]) continue;
     for (const ui::PreferenceControl& control : ui::PageControls(kPageIds[i])) {
       HWND child = GetDlgItem(pages_[i], control.id);
@@ -274,17 +278,15 @@ ui::BarWindowActions PreferencesWindowActions(bar::BarModel& bar) {
     SendMessageA(AsHwnd(bar.TabWindow()), WM_SETFONT, reinterpret_cast<WPARAM>(made.get()), TRUE);
     tabFont = std::move(made);
   };
-  // TODO(merge): three actions wait for the bar's windows, which are being
-  // reworked elsewhere. Each reads what the dialog has already put in
-  // bar.Settings():
-  //  - setLabelFont: PreviewStripWindow makes its label font once, in
-  //    OnCreate; it needs a call that makes it again from Settings().LabelFont
-  //    and lays the strip out.
-  //  - applyTipSettings: the bar window's ApplyTipSettings().
+  actions.applyTipSettings = [&bar] { ApplyTipSettings(bar); };
+  // TODO(merge): two actions wait for the strip's window, which makes its label
+  // font once, in OnCreate, and keeps its scroll state to itself; each reads
+  // what the dialog has already put in bar.Settings():
+  //  - setLabelFont: the strip's label font made again from Settings().LabelFont
+  //    and the strip laid out (the bar's notice font likewise from TabFont);
   //  - resetStripScroll: the strip layout's scrollPos and scroll size to 0.
-  // Until then these changes are stored and show from the next load.
+  // Until then these two changes are stored and show from the next load.
   actions.setLabelFont = nullptr;
-  actions.applyTipSettings = nullptr;
   actions.resetStripScroll = nullptr;
   return actions;
 }

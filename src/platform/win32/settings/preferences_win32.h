@@ -1,5 +1,5 @@
 // The preferences dialog's windows: a resizable dialog holding a tab control
-// and the two pages (505 "常规", 506 "显示方式") as child dialogs. Each click
+// and the pages (505 "常规", 506 "显示方式", 507 "扩展功能") as child dialogs. Each click
 // and each typed text goes to the portable PreferencesDialog, and the windows
 // show what it says; the font and colour choosers are the system's.
 #pragma once
@@ -20,7 +20,7 @@ class PreferencesWindow final : public ResizableDialog {
 
   // Modal over `owner`, from the templates in `resources`; true for OK.
   bool Run(HWND owner, HINSTANCE resources);
-  HWND Page(int index) const { return index >= 0 && index < 2 ? pages_[index] : nullptr; }
+  HWND Page(int index) const { return index >= 0 && index < 3 ? pages_[index] : nullptr; }
 
  protected:
   bool OnInitDialog() override;
@@ -44,7 +44,7 @@ class PreferencesWindow final : public ResizableDialog {
   ui::PreferencesTarget& target_;
   HINSTANCE resources_ = nullptr;
   HWND tabs_ = nullptr;
-  HWND pages_[2] = {};
+  HWND pages_[3] = {};
   bool syncing_ = false;
 };
 

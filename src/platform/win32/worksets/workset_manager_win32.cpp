@@ -36,6 +36,36 @@ std::set<WorksetManagerWindow*>& OpenManagers() {
   static std::set<WorksetManagerWindow*> open;
   return open;
 }
+
+// The host's message loop knows nothing of these modeless dialogs: a hook on it
+// gives them their keyboard (Tab, arrows, Enter, Escape) as a dialog has it.
+HHOOK dialogKeysHook = nullptr;
+
+LRESULT CALLBACK DialogKeys(int code, WPARAM wParam, LPARAM lParam) noexcept {
+  if (code == HC_ACTION && wParam == PM_REMOVE && lParam) {
+    MSG& message = *reinterpret_cast<MSG*>(lParam);
+    if (message.message >= WM_KEYFIRST && message.message <= WM_KEYLAST) {
+      for (WorksetManagerWindow* window : OpenManagers()) {
+        HWND dialog = window->hwnd();
+        // The in-place editor takes Enter and Escape itself.
+        if (!dialog || window->EditingInPlace()) continue;
+        if ((message.hwnd == dialog || IsChild(dialog, message.hwnd)) && IsDialogMessageA(dialog, &message)) {
+          message.message = WM_NULL;
+          break;
+        }
+      }
+    }
+  }
+  return CallNextHookEx(dialogKeysHook, code, wParam, lParam);
+}
+
+void WatchDialogKeys(bool any) {
+  if (any && !dialogKeysHook) dialogKeysHook = SetWindowsHookExA(WH_GETMESSAGE, DialogKeys, nullptr, GetCurrentThreadId());
+  if (!any && dialogKeysHook) {
+    UnhookWindowsHookEx(dialogKeysHook);
+    dialogKeysHook = nullptr;
+  }
+}
 // The manager's smallest size, in dialog units: the top row and the button row
 // stay usable.
 constexpr long kManagerMinWidth = 200;
@@ -125,9 +155,7 @@ WorksetManagerWindow::~WorksetManagerWindow() {
     if (bitmap) DeleteObject(bitmap);
 }
 
-WorksetManagerWindow* WorksetManagerWindow::Open(const SettingsStore& settings, WorksetManagerServices services,
-                                                 HWND owner) {
-  auto* window = new WorksetManagerWindow(settings, std::move(services));
+WorksetManagerWindow* WorksetManagerWindow::Show(WorksetManagerWindow* window, HWND owner) {
   ResourceScope resources;
   if (!window->Create(ModuleInstance(), manager_ids::kDialog, owner)) {
     delete window;
@@ -135,12 +163,19 @@ WorksetManagerWindow* WorksetManagerWindow::Open(const SettingsStore& settings, 
   }
   window->ownedByWindow_ = true;
   OpenManagers().insert(window);
+  WatchDialogKeys(true);
   ShowWindow(window->hwnd(), SW_SHOW);
   return window;
 }
 
+void WorksetManagerWindow::AdoptSheetSetDialog(std::unique_ptr<sheetsets::SheetSetDialogRunner> runner) {
+  sheetSetRunner_ = std::move(runner);
+  services_.sheetSetDialog = sheetSetRunner_.get();
+}
+
 void WorksetManagerWindow::OnFinalMessage() {
   OpenManagers().erase(this);
+  WatchDialogKeys(!OpenManagers().empty());
   if (ownedByWindow_) delete this;
 }
 
@@ -160,6 +195,9 @@ bool WorksetManagerWindow::OnInitDialog() {
   list_.InsertColumn(0, manager_texts::kPathColumn, kPathMode, LVCFMT_LEFT, 300);
   list_.InsertColumn(1, manager_texts::kReadOnlyColumn, kReadOnlyMode, LVCFMT_LEFT, 50);
   list_.EnableEditing(true);
+  list_.onDelete = [this] {
+    if (logic_) logic_->OnRemoveSelected();
+  };
   list_.Initialize(&CompareRowTexts);
   SetWindowSubclass(list, ListSubclass, kEmptyTextSubclassId, reinterpret_cast<DWORD_PTR>(this));
 
@@ -170,16 +208,15 @@ bool WorksetManagerWindow::OnInitDialog() {
   preview_.Create(hwnd(), frame, manager_ids::kPreview);
 
   LoadButtonImages();
-  WorksetManagerView& view = *this;
-  logic_ = std::make_unique<WorksetManager>(services_, view);
-  logic_->FillCombo();
-
+  // The system's small icons, shared: the list must not destroy them (LVS_SHAREIMAGELISTS).
   SHFILEINFOA info{};
   auto images = reinterpret_cast<HIMAGELIST>(
       SHGetFileInfoA("C:\\", 0, &info, sizeof info, SHGFI_SYSICONINDEX | SHGFI_SMALLICON));
   if (images) SendMessageA(list, LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(images));
 
-  logic_->OnInitDialog();
+  WorksetManagerView& view = *this;
+  logic_ = std::make_unique<WorksetManager>(services_, view);
+  logic_->OnInitDialog();  // the names, then the workset shown last
   // The placement is looked for a second time under the root given twice, where
   // nothing is ever kept; the layout below runs in any case.
   ui::ResizableDialogState twice = State();
@@ -508,6 +545,16 @@ bool WorksetFileSelectorWin32::SelectFiles(const std::string& worksetsPath, cons
 
 // ---------------------------------------------------------------- the menu's entry
 
+bool RunningModuleFileSelector::SelectFiles(const std::string& worksetsPath, const std::string& name,
+                                            std::vector<DrawingPath>& ticked) {
+  host::TavletModule* running = host::CurrentModule();
+  port::HostSession* session = host::CurrentSession();
+  if (!running || !session) return false;
+  WorksetFileSelectorWin32 selector(running->Store(), *session->Boxes(), NativeFileSystem(),
+                                    reinterpret_cast<HWND>(running->Frame().frame));
+  return selector.SelectFiles(worksetsPath, name, ticked);
+}
+
 void ShowWorksetManager(HWND owner) {
   host::TavletModule* running = host::CurrentModule();
   port::HostSession* session = host::CurrentSession();
@@ -525,7 +572,15 @@ void ShowWorksetManager(HWND owner) {
   services.chooseReferences = [&settings, session, &files, owner](std::vector<std::string>& paths) {
     return ChooseReferences(settings, *session, files, GetActiveWindow() ? GetActiveWindow() : owner, paths);
   };
-  WorksetManagerWindow::Open(settings, std::move(services), owner);
+  WorksetManagerWindow* window = new WorksetManagerWindow(settings, std::move(services));
+  // The module's own sheet-set component, which outlives every manager.
+  char modulePath[MAX_PATH] = {};
+  GetModuleFileNameA(ModuleInstance(), modulePath, MAX_PATH);
+  window->AdoptSheetSetDialog(std::make_unique<SheetSetDialogRunnerWin32>(
+      settings.Backend(),
+      sheetsets::SheetSetTreeServices{running->SheetSetManager(), files, *session->Boxes(), modulePath},
+      settings.Root(), owner));
+  WorksetManagerWindow::Show(window, owner);
 }
 
 }  // namespace tavlet::win32

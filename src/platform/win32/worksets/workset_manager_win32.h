@@ -8,6 +8,7 @@
 #include <commctrl.h>
 
 #include <deque>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -34,28 +35,40 @@ int CompareRowTexts(std::intptr_t first, std::intptr_t second, const ui::SortSta
 HBITMAP LoadButtonBitmap(HINSTANCE instance, int id);
 
 // The path column edits as text, the read-only column from the list "" or "X".
+// The Delete key removes the selected files from the workset, file and list
+// together, rather than only the rows.
 class WorksetFileList final : public SortableListCtrl {
  public:
   using SortableListCtrl::SortableListCtrl;
   void CellOptions(int, int column, std::vector<std::string>& options) override {
     if (column == 1) options = {"", manager_texts::kReadOnlyMark};
   }
+  bool CanDeleteRows() override {
+    if (onDelete) onDelete();
+    return false;
+  }
+  std::function<void()> onDelete;
 };
 
 class WorksetManagerWindow final : public ResizableDialog, private WorksetManagerView {
  public:
   // `settings` holds the placement ("WorkSetDlg") and the list's columns.
   WorksetManagerWindow(const SettingsStore& settings, WorksetManagerServices services);
+  // The sheet-selection dialog the manager's sheet-set button runs, kept as long
+  // as the manager.
+  void AdoptSheetSetDialog(std::unique_ptr<sheetsets::SheetSetDialogRunner> runner);
   ~WorksetManagerWindow() override;
 
-  // Made from the current resources, shown at once; the object is then the
-  // window's, and deleted with it. Null (and the object deleted) on failure.
-  static WorksetManagerWindow* Open(const SettingsStore& settings, WorksetManagerServices services, HWND owner);
+  // Makes `window` (made with new) from the module's resources and shows it at
+  // once; the object is then the window's, and deleted with it. Null (and the
+  // object deleted) on failure.
+  static WorksetManagerWindow* Show(WorksetManagerWindow* window, HWND owner);
 
   WorksetManager& Logic() { return *logic_; }
   SortableListCtrl& List() { return list_; }
   FilePreviewPanelWindow& Preview() { return preview_; }
   const std::string& ListEmptyText() const { return emptyText_; }
+  bool EditingInPlace() const { return list_.Editor() != nullptr; }
 
  protected:
   bool OnInitDialog() override;
@@ -99,6 +112,7 @@ class WorksetManagerWindow final : public ResizableDialog, private WorksetManage
 
   const SettingsStore& settings_;
   WorksetManagerServices services_;
+  std::unique_ptr<sheetsets::SheetSetDialogRunner> sheetSetRunner_;
   std::unique_ptr<WorksetManager> logic_;
   WorksetFileList list_;
   FilePreviewPanelWindow preview_;
@@ -145,6 +159,14 @@ class WorksetFileSelectorWin32 final : public WorksetFileSelector {
   port::MessageBoxes& boxes_;
   FileSystem& files_;
   HWND owner_;
+};
+
+// The selector the module's menu uses: the dialog over the running module's
+// settings and boxes, owned by the host's frame.
+class RunningModuleFileSelector final : public WorksetFileSelector {
+ public:
+  bool SelectFiles(const std::string& worksetsPath, const std::string& name,
+                   std::vector<DrawingPath>& ticked) override;
 };
 
 // The "管理..." entry: a new manager over the running module, on `owner`.
