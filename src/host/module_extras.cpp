@@ -15,15 +15,7 @@ ModuleExtras::ModuleExtras(ExtrasServices services, bar::BarModel& bar) : servic
   if (ReadExtra(services_.settings, keys::SessionRestore) > 0)
     session_ = std::make_unique<operations::SessionRecorder>(services_.files,
                                                              services_.dataFolder + operations::kSessionFileName);
-  if (ReadInt(services_.settings, keys::KeepThumbnails) != 0) {
-    thumbnails_ = std::make_unique<previews::ThumbnailCache>(
-        services_.files, services_.dataFolder + previews::kThumbnailCacheFileName);
-    bar_.onPreviewCaptured = [this](const bar::DocEntry& entry) {
-      // A drawing never saved has only a name, which the next new drawing reuses.
-      if (entry.path.Folder.empty()) return;
-      thumbnails_->Store(entry.path.GetFull(), entry.previewWidth, entry.previewHeight, entry.previewDib);
-    };
-  }
+  FollowKeepThumbnails();
   for (const auto& entry : bar_.Strip().Entries()) DocumentCreated(entry->document);
   bar_.onDocumentEvent = [this](bar::BarModel::DocumentEvent event, port::Document doc) {
     switch (event) {
@@ -37,6 +29,21 @@ ModuleExtras::ModuleExtras(ExtrasServices services, bar::BarModel& bar) : servic
         DocumentActivated(doc);
         break;
     }
+  };
+}
+
+void ModuleExtras::FollowKeepThumbnails() {
+  const bool keep = ReadExtra(services_.settings, keys::KeepThumbnails) != 0;
+  if (keep == static_cast<bool>(thumbnails_)) return;
+  bar_.onPreviewCaptured = nullptr;
+  thumbnails_.reset();
+  if (!keep) return;
+  thumbnails_ = std::make_unique<previews::ThumbnailCache>(services_.files,
+                                                           services_.dataFolder + previews::kThumbnailCacheFileName);
+  bar_.onPreviewCaptured = [this](const bar::DocEntry& entry) {
+    // A drawing never saved has only a name, which the next new drawing reuses.
+    if (entry.path.Folder.empty()) return;
+    thumbnails_->Store(entry.path.GetFull(), entry.previewWidth, entry.previewHeight, entry.previewDib);
   };
 }
 
@@ -137,6 +144,7 @@ void ModuleExtras::OfferRestore(operations::DrawingOperations& operations) {
 }
 
 void ModuleExtras::ReloadSettings() {
+  FollowKeepThumbnails();
   const bool record = ReadExtra(services_.settings, keys::SessionRestore) > 0;
   if (record == static_cast<bool>(session_)) return;
   session_.reset();

@@ -58,7 +58,8 @@ class ModuleExtras final {
   const previews::ThumbnailCache* Thumbnails() const { return thumbnails_.get(); }
 
   // After the preferences' OK: SessionRestore read again, the session recorder
-  // made (over the drawings open now) or dropped.
+  // made (over the drawings open now) or dropped; KeepThumbnails likewise for
+  // the captures from now on.
   void ReloadSettings();
 
  private:
@@ -67,6 +68,8 @@ class ModuleExtras final {
   void DocumentActivated(port::Document doc);
   std::string PathOf(port::Document doc);
   void Print(const std::string& text);
+  // The kept thumbnails made or dropped as KeepThumbnails says.
+  void FollowKeepThumbnails();
   // A kept picture for a drawing that has none yet; it stays stale, so its first
   // activation takes a fresh one.
   void ShowKeptThumbnail(port::Document doc);

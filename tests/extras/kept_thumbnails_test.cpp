@@ -152,5 +152,27 @@ TEST(KeptThumbnails, ADrawingNeverSavedIsNeitherKeptNorGivenAKeptPicture) {
   EXPECT_EQ(s.CacheFile(), CacheWith("drawing1.dwg", 10, 8));
 }
 
+TEST(KeptThumbnails, ThePreferencesOkTurnsTheKeepingOnAndOff) {
+  Session s(false);
+  ASSERT_EQ(s.h.Load(), 0);
+  port::Document a = s.h.OpenDrawing(kA);
+  s.h.SetSetting(keys::KeepThumbnails, 1);
+  s.h.Module()->Extras()->ReloadSettings();
+  ASSERT_NE(s.h.Module()->Extras()->Thumbnails(), nullptr);
+  s.Paint();
+  std::vector<previews::CachedThumbnail> entries;
+  ASSERT_TRUE(previews::ParseThumbnailCache(s.CacheFile(), entries));
+  EXPECT_EQ(entries.size(), 1u);
+
+  const std::string kept = s.CacheFile();
+  s.h.SetSetting(keys::KeepThumbnails, 0);
+  s.h.Module()->Extras()->ReloadSettings();
+  EXPECT_EQ(s.h.Module()->Extras()->Thumbnails(), nullptr);
+  s.h.OpenDrawing(kB);
+  s.Paint();
+  EXPECT_EQ(s.CacheFile(), kept);
+  EXPECT_FALSE(s.Entry(a).previewDib.empty());
+}
+
 }  // namespace
 }  // namespace tavlet::host

@@ -93,6 +93,25 @@ std::unique_ptr<LoadedModule>& Loaded() {
   return loaded;
 }
 
+// The Ctrl+Tab hook is there exactly while CtrlTabSwitcher is on: at load and
+// after each OK of the preferences.
+void FollowCtrlTabSwitcher(LoadedModule& module) {
+  host::TavletModule* running = host::CurrentModule();
+  const bool on = running && ReadExtra(running->Store(), keys::CtrlTabSwitcher) != 0;
+  if (on == static_cast<bool>(module.ctrlTab)) return;
+  module.ctrlTab.reset();
+  if (!on) return;
+  module.ctrlTab = std::make_unique<CtrlTabHook>(
+      HostFrame(),
+      [] {
+        host::TavletModule* now = host::CurrentModule();
+        return now && now->Extras() ? now->Extras()->Order().Order().size() : std::size_t{0};
+      },
+      [] {
+        if (host::TavletModule* now = host::CurrentModule()) now->OnSwitch();
+      });
+}
+
 void Load(void* pkt, port::HostSession& session) {
   if (Loaded()) return;
   Loaded() = std::make_unique<LoadedModule>(session);
@@ -126,7 +145,9 @@ void Load(void* pkt, port::HostSession& session) {
   services.worksetManager = [] { ShowWorksetManager(HostFrame()); };
   services.preferencesDialog = [] {
     LoadedModule* loaded = Loaded().get();
-    if (host::CurrentModule() && loaded) ShowPreferences(HostFrame(), loaded->registry, loaded->display);
+    if (!host::CurrentModule() || !loaded) return;
+    ShowPreferences(HostFrame(), loaded->registry, loaded->display);
+    FollowCtrlTabSwitcher(*loaded);
   };
   services.switcherPopup = [](const std::vector<port::Document>& order) {
     host::TavletModule* running = host::CurrentModule();
@@ -134,18 +155,7 @@ void Load(void* pkt, port::HostSession& session) {
   };
   host::SetModuleServices(services);
   TavletEntry(host::kInitAppMsg, pkt, &session);
-  host::TavletModule* running = host::CurrentModule();
-  if (running && ReadInt(running->Store(), keys::CtrlTabSwitcher) != 0) {
-    module.ctrlTab = std::make_unique<CtrlTabHook>(
-        HostFrame(),
-        [] {
-          host::TavletModule* now = host::CurrentModule();
-          return now && now->Extras() ? now->Extras()->Order().Order().size() : std::size_t{0};
-        },
-        [] {
-          if (host::TavletModule* now = host::CurrentModule()) now->OnSwitch();
-        });
-  }
+  FollowCtrlTabSwitcher(module);
 }
 
 void Unload(port::HostSession& session) {
