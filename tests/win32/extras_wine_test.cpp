@@ -19,12 +19,7 @@
 namespace tavlet::demo {
 namespace {
 
-std::string WinePath(const char* unixPath) {
-  std::string path = std::string("Z:") + unixPath;
-  for (char& c : path)
-    if (c == '/') c = '\\';
-  return path;
-}
+using tavlet::testing::WinePath;
 
 const std::string kScripts = WinePath(TAVLET_SOURCE_DIR "/apps/demohost/");
 
