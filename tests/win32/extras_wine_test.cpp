@@ -1,7 +1,8 @@
 // The bar's additions in the demo host's real frame: Ctrl+Tab opens the
 // switcher and its pick becomes active, the copied path is read back from the
 // clipboard, a session killed in the middle is restored by the next run; and
-// with the settings off, Ctrl+Tab is the MDI's own again.
+// with the settings off, Ctrl+Tab is the MDI's own until the preferences turn
+// the switcher on.
 #include <windows.h>
 
 #include <gtest/gtest.h>
@@ -11,8 +12,8 @@
 #include <string>
 #include <vector>
 
-#include "demohost/demo_host.h"
 #include "bar/switcher_input.h"
+#include "demohost/demo_host.h"
 #include "demohost/script.h"
 #include "support/test_paths.h"
 
@@ -158,7 +159,7 @@ TEST(ExtrasOnFrame, TheSwitchersKeysAndClickInItsWindow) {
   ForgetEverything();
 }
 
-TEST(ExtrasOnFrame, WithTheSettingOffCtrlTabIsTheMdisOwn) {
+TEST(ExtrasOnFrame, CtrlTabIsTheMdisOwnUntilThePreferencesTurnTheSwitcherOn) {
   ForgetEverything();
   std::string error;
   DemoHost demo(WinePath(TAVLET_ARX_PATH), false);
@@ -181,7 +182,17 @@ TEST(ExtrasOnFrame, WithTheSettingOffCtrlTabIsTheMdisOwn) {
   demo.Pump(500);
   EXPECT_EQ(FindWindowA("TavletSwitcher", nullptr), nullptr);
   EXPECT_NE(demo.Host().MdiActive(), before);
+
+  // Ticked on the preferences' third page, it hooks Ctrl+Tab from the OK on:
+  // the switcher goes back to the drawing the MDI left.
+  Script script;
+  ASSERT_TRUE(script.Parse("preferences \"tab 2; click 4002; ok\"\nwait 200\nctrl-tab 0 on.png\n", error)) << error;
+  std::ostringstream log;
+  ScriptRunner runner(demo, script, log, tavlet::testing::MakeTempFolder("extras-on"));
+  EXPECT_TRUE(runner.Run(error)) << error << "\n" << log.str();
+  EXPECT_EQ(demo.Host().MdiActive(), before);
   demo.UnloadModule();
+  ForgetEverything();
 }
 
 }  // namespace
