@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "dialog_driver.h"
+#include "extras_driver.h"
 #include "menu_driver.h"
 #include "preferences_driver.h"
 #include "text/codepage.h"
@@ -46,6 +47,10 @@ const std::map<std::string, Verb>& Verbs() {
       {"preferences", {1, 1, "preferences \"STEP; STEP; ... ok|cancel\""}},
       {"check-tabs", {1, 1, "check-tabs left|right|top|bottom|none"}},
       {"check-setting", {2, 2, "check-setting [SECTION/]KEY VALUE|FACE"}},
+      {"ctrl-tab", {2, 3, "ctrl-tab TABS SHOT.png|SHOT.bmp [NAME]"}},
+      {"check-clipboard", {1, 1, "check-clipboard N"}},
+      {"check-open", {0, -1, "check-open NAME..."}},
+      {"crash", {0, 0, "crash"}},
   };
   return verbs;
 }
@@ -324,6 +329,8 @@ bool ScriptRunner::Step(const ScriptStep& step, std::string& error) {
     return CheckTabs(*shot_, {shotRect_.left, shotRect_.top}, demo_.Frame(), demo_.MdiClient(), args[0], log_, error);
   } else if (verb == "check-setting") {
     return CheckSetting(args[0], args[1], log_, error);
+  } else if (IsExtrasVerb(verb)) {
+    return RunExtrasStep({demo_, [this](const std::string& p) { return Resolve(p); }, outputFolder_, log_}, step, error);
   }
   return true;
 }

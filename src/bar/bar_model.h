@@ -128,6 +128,8 @@ class BarModel : private PreviewStripView {
   // Told of each drawing the bar adds, removes or sees activated, after the bar.
   enum class DocumentEvent { Created, ToBeDestroyed, Activated };
   std::function<void(DocumentEvent, port::Document)> onDocumentEvent;
+  // Told of each picture a capture stored in an entry.
+  std::function<void(const DocEntry&)> onPreviewCaptured;
 
   port::Window Window() const { return window_; }
   port::Window StripWindow() const { return strip_; }

@@ -81,6 +81,7 @@ void UpdatePreview(BarModel& bar, const StripLayout& layout, DocEntry* entry) {
                                                   bar.Store());
     const std::unique_ptr<void, void (*)(void*)> owner(preview.dib, DibFree);
     StorePicture(*entry, preview);
+    if (bar.onPreviewCaptured && !entry->previewDib.empty()) bar.onPreviewCaptured(*entry);
   } catch (...) {
     // A capture runs inside paint: nothing of it may reach the user.
   }

@@ -5,6 +5,7 @@
 #include "bar/doc_list.h"
 #include "host/com_error.h"
 #include "operations/drawing_operations.h"
+#include "previews/dib.h"
 #include "settings/extra_settings.h"
 #include "settings/settings_table.h"
 
@@ -14,6 +15,7 @@ ModuleExtras::ModuleExtras(ExtrasServices services, bar::BarModel& bar) : servic
   if (ReadExtra(services_.settings, keys::SessionRestore) > 0)
     session_ = std::make_unique<operations::SessionRecorder>(services_.files,
                                                              services_.dataFolder + operations::kSessionFileName);
+  FollowKeepThumbnails();
   for (const auto& entry : bar_.Strip().Entries()) DocumentCreated(entry->document);
   bar_.onDocumentEvent = [this](bar::BarModel::DocumentEvent event, port::Document doc) {
     switch (event) {
@@ -30,14 +32,48 @@ ModuleExtras::ModuleExtras(ExtrasServices services, bar::BarModel& bar) : servic
   };
 }
 
-ModuleExtras::~ModuleExtras() { bar_.onDocumentEvent = nullptr; }
+void ModuleExtras::FollowKeepThumbnails() {
+  const bool keep = ReadExtra(services_.settings, keys::KeepThumbnails) != 0;
+  if (keep == static_cast<bool>(thumbnails_)) return;
+  bar_.onPreviewCaptured = nullptr;
+  thumbnails_.reset();
+  if (!keep) return;
+  thumbnails_ = std::make_unique<previews::ThumbnailCache>(services_.files,
+                                                           services_.dataFolder + previews::kThumbnailCacheFileName);
+  bar_.onPreviewCaptured = [this](const bar::DocEntry& entry) {
+    // A drawing never saved has only a name, which the next new drawing reuses.
+    if (entry.path.Folder.empty()) return;
+    thumbnails_->Store(entry.path.GetFull(), entry.previewWidth, entry.previewHeight, entry.previewDib);
+  };
+}
+
+ModuleExtras::~ModuleExtras() {
+  bar_.onDocumentEvent = nullptr;
+  bar_.onPreviewCaptured = nullptr;
+}
 
 std::string ModuleExtras::PathOf(port::Document doc) { return bar::DocumentName(*services_.session.Documents(), doc); }
 
 void ModuleExtras::Print(const std::string& text) { services_.session.EditorService()->Print(text.c_str()); }
 
+void ModuleExtras::ShowKeptThumbnail(port::Document doc) {
+  bar::DocEntry* entry = bar_.Strip().FindEntry(doc);
+  if (!entry || !entry->previewDib.empty() || entry->path.Folder.empty()) return;
+  const previews::CachedThumbnail* kept = thumbnails_->Find(entry->path.GetFull());
+  if (!kept || kept->width <= 0 || kept->height <= 0) return;
+  // A picture whose bytes do not match its size would be read past its end.
+  const std::size_t expected = kDibInfoHeaderSize + static_cast<std::size_t>(DibStride(kept->width, 24)) *
+                                                             static_cast<std::size_t>(kept->height);
+  if (kept->dib.size() != expected) return;
+  entry->previewDib = kept->dib;
+  entry->previewWidth = kept->width;
+  entry->previewHeight = kept->height;
+  entry->previewDirty = true;
+}
+
 void ModuleExtras::DocumentCreated(port::Document doc) {
   order_.Added(doc);
+  if (thumbnails_) ShowKeptThumbnail(doc);
   if (!session_) return;
   const std::string path = PathOf(doc);
   paths_.emplace_back(doc, path);
@@ -108,6 +144,7 @@ void ModuleExtras::OfferRestore(operations::DrawingOperations& operations) {
 }
 
 void ModuleExtras::ReloadSettings() {
+  FollowKeepThumbnails();
   const bool record = ReadExtra(services_.settings, keys::SessionRestore) > 0;
   if (record == static_cast<bool>(session_)) return;
   session_.reset();

@@ -13,6 +13,7 @@
 #include "bar/bar_model.h"
 #include "host/port/host_session.h"
 #include "operations/session_list.h"
+#include "previews/thumbnail_cache.h"
 #include "settings/settings_store.h"
 
 namespace tavlet::operations {
@@ -53,9 +54,12 @@ class ModuleExtras final {
 
   const bar::ActivationOrder& Order() const { return order_; }
   const operations::SessionRecorder* Session() const { return session_.get(); }
+  // Null unless KeepThumbnails is on.
+  const previews::ThumbnailCache* Thumbnails() const { return thumbnails_.get(); }
 
   // After the preferences' OK: SessionRestore read again, the session recorder
-  // made (over the drawings open now) or dropped.
+  // made (over the drawings open now) or dropped; KeepThumbnails likewise for
+  // the captures from now on.
   void ReloadSettings();
 
  private:
@@ -64,10 +68,16 @@ class ModuleExtras final {
   void DocumentActivated(port::Document doc);
   std::string PathOf(port::Document doc);
   void Print(const std::string& text);
+  // The kept thumbnails made or dropped as KeepThumbnails says.
+  void FollowKeepThumbnails();
+  // A kept picture for a drawing that has none yet; it stays stale, so its first
+  // activation takes a fresh one.
+  void ShowKeptThumbnail(port::Document doc);
 
   ExtrasServices services_;
   bar::ActivationOrder order_;
   std::unique_ptr<operations::SessionRecorder> session_;
+  std::unique_ptr<previews::ThumbnailCache> thumbnails_;
   bar::BarModel& bar_;
   std::vector<std::pair<port::Document, std::string>> paths_;
 };

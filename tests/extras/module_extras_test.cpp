@@ -9,27 +9,16 @@
 #include "operations/session_list.h"
 #include "settings/data_folder.h"
 #include "settings/extra_settings.h"
+#include "data_folder_user.h"
 #include "sim/module_harness.h"
 
 namespace tavlet::host {
 namespace {
 
-const std::string kData = "C:\\Users\\me\\AppData\\Roaming\\Morvane\\Tavlet\\";
+using extras_test::FixedUser;
+using extras_test::kData;
 
 std::string Path(char name) { return std::string("C:\\dwg\\") + name + ".dwg"; }
-
-class FixedUser final : public UserEnvironment {
- public:
-  bool AppDataFolder(std::string& folder) override {
-    folder = "C:\\Users\\me\\AppData\\Roaming";
-    return true;
-  }
-  std::string ModuleFolder() override { return "C:\\Program Files\\Morvane\\"; }
-  bool UserName(std::string& name) override {
-    name = "me";
-    return true;
-  }
-};
 
 struct Session {
   explicit Session(int sessionRestore, const std::string& sessionFile = {}) {

@@ -9,6 +9,7 @@
 
 #include "host/module.h"
 #include "platform/win32/bar/mv_tavlet_win32.h"
+#include "platform/win32/bar/switcher_popup_win32.h"
 #include "platform/win32/content/layout_chooser_win32.h"
 #include "platform/win32/dib_paint.h"
 #include "platform/win32/file_preview_panel_win32.h"
@@ -21,6 +22,7 @@
 #include "platform/win32/window.h"
 #include "platform/win32/worksets/workset_manager_win32.h"
 #include "platform/win32/host/window_system_win32.h"
+#include "settings/extra_settings.h"
 
 namespace tavlet::win32 {
 namespace {
@@ -82,11 +84,32 @@ struct LoadedModule {
   RunningModuleFileSelector worksetSelector;
   LayoutChooserWin32 layoutChooser;
   ModuleSheetSetDialog sheetSetDialog;
+  // Only while CtrlTabSwitcher is on.
+  std::unique_ptr<CtrlTabHook> ctrlTab;
 };
 
 std::unique_ptr<LoadedModule>& Loaded() {
   static std::unique_ptr<LoadedModule> loaded;
   return loaded;
+}
+
+// The Ctrl+Tab hook is there exactly while CtrlTabSwitcher is on: at load and
+// after each OK of the preferences.
+void FollowCtrlTabSwitcher(LoadedModule& module) {
+  host::TavletModule* running = host::CurrentModule();
+  const bool on = running && ReadExtra(running->Store(), keys::CtrlTabSwitcher) != 0;
+  if (on == static_cast<bool>(module.ctrlTab)) return;
+  module.ctrlTab.reset();
+  if (!on) return;
+  module.ctrlTab = std::make_unique<CtrlTabHook>(
+      HostFrame(),
+      [] {
+        host::TavletModule* now = host::CurrentModule();
+        return now && now->Extras() ? now->Extras()->Order().Order().size() : std::size_t{0};
+      },
+      [] {
+        if (host::TavletModule* now = host::CurrentModule()) now->OnSwitch();
+      });
 }
 
 void Load(void* pkt, port::HostSession& session) {
@@ -122,13 +145,21 @@ void Load(void* pkt, port::HostSession& session) {
   services.worksetManager = [] { ShowWorksetManager(HostFrame()); };
   services.preferencesDialog = [] {
     LoadedModule* loaded = Loaded().get();
-    if (host::CurrentModule() && loaded) ShowPreferences(HostFrame(), loaded->registry, loaded->display);
+    if (!host::CurrentModule() || !loaded) return;
+    ShowPreferences(HostFrame(), loaded->registry, loaded->display);
+    FollowCtrlTabSwitcher(*loaded);
+  };
+  services.switcherPopup = [](const std::vector<port::Document>& order) {
+    host::TavletModule* running = host::CurrentModule();
+    return RunSwitcherPopup(HostFrame(), running ? running->Bar() : nullptr, order, CurrentSwitcherRequest());
   };
   host::SetModuleServices(services);
   TavletEntry(host::kInitAppMsg, pkt, &session);
+  FollowCtrlTabSwitcher(module);
 }
 
 void Unload(port::HostSession& session) {
+  if (Loaded()) Loaded()->ctrlTab.reset();
   CloseWorksetManagers();
   UnregisterPreviewPanelClass();
   TavletEntry(host::kUnloadAppMsg, nullptr, &session);
