@@ -181,6 +181,15 @@ port::Result DemoSession::DrawingView(port::Window* window) {
   return port::kOk;
 }
 
+// The module asks for the window it was given, the real one; the simulated host
+// knows each drawing by its own view handle.
+port::Result DemoSession::CopyViewWindow(port::Window view, port::ScreenImage** image) {
+  for (port::Document doc : host_.OpenDocuments()) {
+    if (W(demo_.ViewOf(doc)) == view) return host_.GraphicsService()->CopyViewWindow(host_.Find(doc)->view, image);
+  }
+  return host_.GraphicsService()->CopyViewWindow(view, image);
+}
+
 port::Result DemoSession::ClientSize(port::Window window, long* width, long* height) {
   RECT r{};
   if (!GetClientRect(H(window), &r)) return port::kInvalidArgument;

@@ -30,15 +30,18 @@ LRESULT CALLBACK CommandLineProcedure(HWND hwnd, UINT message, WPARAM wParam, LP
 
 // The session the module is given: the simulated host, except that its frame
 // windows are this program's real ones and its boxes also show on screen when
-// nobody scripts the answers.
-class DemoSession final : public port::HostSession, private port::FrameWindows, private port::MessageBoxes {
+// nobody scripts the answers; the copy of a view window names the real window.
+class DemoSession final : public port::HostSession,
+                          private port::FrameWindows,
+                          private port::MessageBoxes,
+                          private port::Graphics {
  public:
   DemoSession(sim::SimHost& host, DemoHost& demo) : host_(host), demo_(demo) {}
 
   port::DocManager* TAVLET_PORT_CALL Documents() override { return host_.Documents(); }
   port::Editor* TAVLET_PORT_CALL EditorService() override { return host_.EditorService(); }
   port::DrawingDatabase* TAVLET_PORT_CALL Databases() override { return host_.Databases(); }
-  port::Graphics* TAVLET_PORT_CALL GraphicsService() override { return host_.GraphicsService(); }
+  port::Graphics* TAVLET_PORT_CALL GraphicsService() override { return this; }
   port::FrameWindows* TAVLET_PORT_CALL Frame() override { return this; }
   port::MessageBoxes* TAVLET_PORT_CALL Boxes() override { return this; }
   port::HostServices* TAVLET_PORT_CALL Services() override { return host_.Services(); }
@@ -61,6 +64,13 @@ class DemoSession final : public port::HostSession, private port::FrameWindows, 
   port::Result TAVLET_PORT_CALL DrawingView(port::Window* window) override;
   port::Result TAVLET_PORT_CALL ClientSize(port::Window window, long* width, long* height) override;
   port::Result TAVLET_PORT_CALL Show(const char* text, unsigned long type, long* answer) override;
+  port::Result TAVLET_PORT_CALL HasGsView(long viewportNumber, bool* exists) override {
+    return host_.GraphicsService()->HasGsView(viewportNumber, exists);
+  }
+  port::Result TAVLET_PORT_CALL TakeScreenShot(port::ScreenImage** image) override {
+    return host_.GraphicsService()->TakeScreenShot(image);
+  }
+  port::Result TAVLET_PORT_CALL CopyViewWindow(port::Window view, port::ScreenImage** image) override;
 
   sim::SimHost& host_;
   DemoHost& demo_;

@@ -83,9 +83,14 @@ void GdiCanvas::DrawDib(const std::vector<unsigned char>& dib, int width, int he
                                                                         : header.biHeight);
   if (header.biSize < sizeof header || bitsAt > dib.size() || stride * rows > dib.size() - bitsAt) return;
   auto* info = reinterpret_cast<BITMAPINFOHEADER*>(const_cast<unsigned char*>(dib.data()));
-  DrawDibDraw(drawDib_, dc_, static_cast<int>(to.left), static_cast<int>(to.top), static_cast<int>(to.Width()),
-              static_cast<int>(to.Height()), info, const_cast<unsigned char*>(dib.data()) + bitsAt, 0, 0, width,
-              height, DDF_SAME_HDC);
+  unsigned char* bits = const_cast<unsigned char*>(dib.data()) + bitsAt;
+  const int x = static_cast<int>(to.left), y = static_cast<int>(to.top);
+  const int w = static_cast<int>(to.Width()), h = static_cast<int>(to.Height());
+  // DDF_SAME_HDC keeps what the last call set up; a DrawDib that last drew into
+  // another context (a screenshot's memory context) may refuse it, and then the
+  // call is made again letting it set the context up.
+  if (!DrawDibDraw(drawDib_, dc_, x, y, w, h, info, bits, 0, 0, width, height, DDF_SAME_HDC))
+    DrawDibDraw(drawDib_, dc_, x, y, w, h, info, bits, 0, 0, width, height, 0);
 }
 
 void GdiCanvas::DrawGlyph(bar::Glyph glyph, long x, long y, std::uint32_t color) {
