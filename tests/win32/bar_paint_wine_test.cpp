@@ -393,7 +393,7 @@ TEST_F(BarPaint, BrokenFontsAndColoursOutOfRangeGiveTheDefaults) {
     const std::uint32_t face = Rgb(GetSysColor(COLOR_BTNFACE));
     if (broken) {
       EXPECT_EQ(shot.At(c.right - 5, c.bottom - 4), face);  // the label's default colour
-      EXPECT_EQ(shot.At(c.left + 10, c.top + 10), face);    // the background's
+      EXPECT_EQ(shot.At(c.left + 10, cells[1].bottom + 10), face);  // the background's, below the cells
       const RECT glyph{c.left + 3, c.bottom - 14, c.left + 10, c.bottom - 3};
       EXPECT_GT(Count(shot, glyph, [](std::uint32_t p) { return p == Rgb(keys::Modified.intDefault); }), 10);
     }
