@@ -2,6 +2,7 @@
 // its DLL into the demo host's frame, its windows captured after a repaint.
 #include <windows.h>
 #include <commctrl.h>
+#include <vfw.h>
 
 #include <gtest/gtest.h>
 
@@ -16,7 +17,12 @@
 #include "demohost/demo_host.h"
 #include "demohost/image_file.h"
 #include "demohost/script.h"
+#include "bar/preview_capture.h"
 #include "platform/win32/bar/tab_strip_win32.h"
+#include "platform/win32/registry_backend_win32.h"
+#include "previews/adjust.h"
+#include "previews/capture.h"
+#include "previews/dib.h"
 #include "platform/win32/ui/themed_tab_ctrl.h"
 #include "settings/settings_table.h"
 
@@ -147,6 +153,76 @@ TEST_F(BarPaint, TheActiveCellIsTintedAndFramedAndReadOnlyWinsOverModified) {
     EXPECT_EQ(inModified > 10, i == 0) << inModified;
     EXPECT_EQ(inReadOnly > 10, i == 1) << inReadOnly;
   }
+}
+
+// The thumbnail on the screen is the drawing's view as the host gives it, reduced
+// by the pipeline to the strip's width and the view's shape, and stretched into
+// the cell by the draw-DIB call: the same call draws the expected picture here.
+TEST_F(BarPaint, AThumbnailIsTheHostsPictureReducedByThePipeline) {
+  Start({{"", "DockSide", kLeft}, {"", "Size", 120}});
+  port::Document plan = demo->Host().OpenDescription(
+      "tavlet-drawing 1\npath \"C:\\dwg\\plan.dwg\"\npicture 160 120 background 0x000000\n"
+      "fill 20 20 140 100 0xFF0000\nline 0 60 160 60 0xFFFF00\nrect 10 10 150 110 0x00FF00\n",
+      "plan.tdd");
+  ASSERT_NE(plan, nullptr);
+  port::Document other = Open("other");
+  // Made active again, the plan is captured at the strip's full width (its first
+  // capture came while the bar was still taking its place); then it keeps that
+  // picture, untinted, while the other drawing is active.
+  demo->Host().Activate(plan);
+  demo->Pump(20);
+  RawPicture raw;
+  bool fromScreen = false;
+  ASSERT_TRUE(CaptureDrawingImage(demo->Session(), false, fromScreen, raw));
+  RedrawWindow(Bar(), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+  demo->Host().Activate(other);
+  demo->Pump(20);
+  std::vector<RECT> cells;
+  const Picture shot = Shot(FindPreviewStrip(), &cells);
+  ASSERT_EQ(cells.size(), 2u);
+  const RECT& c = cells[0];
+  // The label: its raised frame's light edge, found from the bottom up.
+  int title = 0;
+  for (int y = c.bottom - 2; y > c.top && !title; --y)
+    if (shot.At(c.right - 5, y) == Rgb(GetSysColor(COLOR_3DHILIGHT))) title = c.bottom - y;
+  ASSERT_GT(title, 0);
+  const RECT picture{c.left + 1, c.top + 1, c.right - 1, c.bottom - title};
+  const int width = picture.right - picture.left, height = picture.bottom - picture.top;
+  port::ColorSettings colors;
+  ASSERT_TRUE(port::Succeeded(demo->Session().EditorService()->GetCurrentColors(&colors)));
+  const bool dark = bar::IsDarkBackground(static_cast<std::uint32_t>(colors.modelBackground));
+  Win32Registry registry;
+  const SettingsStore store(registry, kSettingsKey);
+  // The strip's width and the view's shape give the picture a pixel more each
+  // way than the cell shows, give or take the rounding of the shape: each near
+  // size is tried. The host's picture was taken again here, and the view may have
+  // moved by a pixel meanwhile, so a pixel counts as the same within a small step;
+  // a picture taken at another size, or none, is far from that.
+  HDRAWDIB drawDib = DrawDibOpen();
+  int best = 0;
+  for (int th = height; th <= height + 2; ++th) {
+    const AdjustedPreview expected = AdjustPreview(raw.source, width + 2, th, dark, store);
+    ASSERT_NE(expected.dib, nullptr);
+    HDC screen = GetDC(nullptr);
+    HDC memory = CreateCompatibleDC(screen);
+    HBITMAP bitmap = CreateCompatibleBitmap(screen, width, height);
+    HGDIOBJ old = SelectObject(memory, bitmap);
+    DrawDibDraw(drawDib, memory, 0, 0, width, height, static_cast<BITMAPINFOHEADER*>(expected.dib),
+                static_cast<unsigned char*>(expected.dib) + sizeof(BITMAPINFOHEADER), 0, 0, expected.width,
+                expected.height, 0);
+    int same = 0;
+    for (int y = 0; y < height; ++y)
+      for (int x = 0; x < width; ++x)
+        same += Near(Rgb(GetPixel(memory, x, y)), shot.At(picture.left + x, picture.top + y), 56) ? 1 : 0;
+    best = std::max(best, same * 1000 / (width * height));
+    SelectObject(memory, old);
+    DeleteObject(bitmap);
+    DeleteDC(memory);
+    ReleaseDC(nullptr, screen);
+    DibFree(expected.dib);
+  }
+  DrawDibClose(drawDib);
+  EXPECT_GE(best, 970) << "per mille of the cell's pixels that show the reduced picture";
 }
 
 TEST_F(BarPaint, LabelsSitBelowOrAboveThePicture) {
