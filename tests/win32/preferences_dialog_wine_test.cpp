@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "demohost/demo_host.h"
+#include "demohost/image_file.h"
 #include "demohost/script.h"
 #include "platform/win32/registry_backend_win32.h"
 #include "platform/win32/settings/preferences_win32.h"
@@ -291,6 +292,50 @@ TEST(PreferencesOnFrame, OkChangesTheRunningBarAndTheRegistry) {
   // LockSize is never written by the dialog.
   Win32Registry registry;
   EXPECT_EQ(SettingsStore(registry, DefaultSettingsRoot()).GetInt("", "LockSize", -1), -1);
+  demo.reset();
+  RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\Morvane");
+}
+
+// The label font chosen on the display page reaches the running strip at OK: its
+// labels grow with the font, read from the screen (the raised frame's light edge).
+TEST(PreferencesOnFrame, ANewLabelFontReachesTheRunningStrip) {
+  RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\Morvane");
+  std::string arx = std::string("Z:") + TAVLET_ARX_PATH;
+  for (char& c : arx)
+    if (c == '/') c = '\\';
+  auto demo = std::make_unique<demo::DemoHost>(arx, false);
+  ASSERT_TRUE(demo->CreateFrame(900, 700)) << "no display";
+  ASSERT_TRUE(demo->Open(testing::SamplesDir() + "\\plan.tdd"));
+  ASSERT_TRUE(demo->Open(testing::SamplesDir() + "\\section.tdd"));
+  std::string error;
+  ASSERT_TRUE(demo->LoadModule(error, true)) << error;
+  demo->Pump(100);
+  auto labelHeight = [&] {
+    HWND strip = demo::FindPreviewStrip();
+    RECT cell{};
+    if (!strip || !demo::CellOnScreen(strip, 0, cell)) return 0L;
+    const demo::Picture shot = demo::CaptureRect(cell);
+    const std::uint32_t light = GetSysColor(COLOR_3DHILIGHT);
+    const std::uint32_t edge = (GetRValue(light) << 16) | (GetGValue(light) << 8) | GetBValue(light);
+    for (int y = shot.height - 2; y > 0; --y)
+      if (shot.At(shot.width - 5, y) == edge) return static_cast<long>(shot.height - y);
+    return 0L;
+  };
+  const long before = labelHeight();
+  ASSERT_GT(before, 0);
+  const std::string folder = testing::MakeTempFolder("preferences-font");
+  demo::Script script;
+  ASSERT_TRUE(script.Parse("preferences \"tab 1; font DejaVu 28; ok\"\nwait 300\n", error)) << error;
+  std::ostringstream log;
+  demo::ScriptRunner runner(*demo, script, log, folder);
+  ASSERT_TRUE(runner.Run(error)) << error << "\n" << log.str();
+  RedrawWindow(demo->Frame(), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+  demo->Pump(50);
+  Win32Registry registry;
+  LogFontA stored{};
+  ASSERT_TRUE(SettingsStore(registry, DefaultSettingsRoot()).RestoreFont("", "LabelFont", stored));
+  EXPECT_LT(stored.lfHeight, -30);
+  EXPECT_GT(labelHeight(), before + 8) << log.str();
   demo.reset();
   RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\Morvane");
 }

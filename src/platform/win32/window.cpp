@@ -76,8 +76,11 @@ HWND Window::Create(const char* className, DWORD exStyle, const char* text, DWOR
 
 Window* Window::FromHandle(HWND hwnd) {
   if (!hwnd) return nullptr;
+  // A tip control's TTF_SUBCLASS puts its own procedure in front of ours; the
+  // class still names ours.
   WNDPROC procedure = reinterpret_cast<WNDPROC>(GetWindowLongPtrA(hwnd, GWLP_WNDPROC));
-  if (procedure != &Window::Procedure) return nullptr;
+  WNDPROC classProcedure = reinterpret_cast<WNDPROC>(GetClassLongPtrA(hwnd, GCLP_WNDPROC));
+  if (procedure != &Window::Procedure && classProcedure != &Window::Procedure) return nullptr;
   return reinterpret_cast<Window*>(GetWindowLongPtrA(hwnd, GWLP_USERDATA));
 }
 

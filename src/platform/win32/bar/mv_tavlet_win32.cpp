@@ -123,6 +123,14 @@ LRESULT MvTavletWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
   return Window::OnMessage(message, wParam, lParam);
 }
 
+void MvTavletWindow::SetNoticeFont(const LogFontA& font) {
+  const LOGFONTA logFont = ToLogFont(font);
+  GdiObject<HFONT> made(CreateFontIndirectA(&logFont));
+  if (!made.get()) return;
+  tabFont_ = std::move(made);
+  InvalidateRect(hwnd(), nullptr, TRUE);
+}
+
 int MvTavletWindow::OnCreate(CREATESTRUCTA&) {
   const LOGFONTA font = ToLogFont(bar_.Settings().TabFont);
   tabFont_ = GdiObject<HFONT>(CreateFontIndirectA(&font));

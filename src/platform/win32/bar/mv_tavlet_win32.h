@@ -32,6 +32,8 @@ class MvTavletWindow final : public OwnedByWindow {
   bool Sizing() const { return grip_.Sizing(); }
   // After the tip settings changed: delays, width and texts of both tips.
   void ApplyTipSettings() { tips_.Apply(); }
+  // The notice's font follows TabFont when the preferences change it.
+  void SetNoticeFont(const LogFontA& font);
 
  protected:
   LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;

@@ -36,6 +36,21 @@ int PreviewStripWindow::OnCreate(CREATESTRUCTA&) {
   return 0;
 }
 
+void PreviewStripWindow::SetLabelFont(const LogFontA& font) {
+  const LOGFONTA logFont = ToLogFont(font);
+  GdiObject<HFONT> made(CreateFontIndirectA(&logFont));
+  if (!made.get()) return;
+  labelFont_ = std::move(made);
+  Layout();
+  RedrawWindow(hwnd(), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE);
+}
+
+void PreviewStripWindow::ResetScroll() {
+  layout_.scrollPos = 0;
+  Layout();
+  RedrawWindow(hwnd(), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE);
+}
+
 void PreviewStripWindow::OnDestroy() {
   bar_.onStripLayout = nullptr;
   KillTimer(hwnd(), bar::kActivationTimer);

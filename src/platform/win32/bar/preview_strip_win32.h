@@ -36,6 +36,10 @@ class PreviewStripWindow final : public OwnedByWindow {
   HWND Make(const RECT& rect, HWND parent, int id, const char* text, DWORD style);
   void Layout();
   const bar::StripLayout& Geometry() const { return layout_; }
+  // The preferences' changes: a new label font (the cells are laid out again for
+  // its height) and the scroll position back at the start.
+  void SetLabelFont(const LogFontA& font);
+  void ResetScroll();
 
  protected:
   LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;

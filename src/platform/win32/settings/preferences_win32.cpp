@@ -7,6 +7,8 @@
 
 #include "host/module.h"
 #include "platform/win32/bar/bar_tips_win32.h"
+#include "platform/win32/bar/mv_tavlet_win32.h"
+#include "platform/win32/bar/preview_strip_win32.h"
 #include "platform/win32/handles.h"
 #include "platform/win32/raster_gdi.h"
 #include "platform/win32/window.h"
@@ -276,18 +278,17 @@ ui::BarWindowActions PreferencesWindowActions(bar::BarModel& bar) {
     GdiObject<HFONT> made(CreateFontIndirectA(&logFont));
     if (!made.get()) return;
     SendMessageA(AsHwnd(bar.TabWindow()), WM_SETFONT, reinterpret_cast<WPARAM>(made.get()), TRUE);
+    if (auto* window = dynamic_cast<MvTavletWindow*>(Window::FromHandle(AsHwnd(bar.Window())))) window->SetNoticeFont(font);
     tabFont = std::move(made);
   };
   actions.applyTipSettings = [&bar] { ApplyTipSettings(bar); };
-  // TODO(merge): two actions wait for the strip's window, which makes its label
-  // font once, in OnCreate, and keeps its scroll state to itself; each reads
-  // what the dialog has already put in bar.Settings():
-  //  - setLabelFont: the strip's label font made again from Settings().LabelFont
-  //    and the strip laid out (the bar's notice font likewise from TabFont);
-  //  - resetStripScroll: the strip layout's scrollPos and scroll size to 0.
-  // Until then these two changes are stored and show from the next load.
-  actions.setLabelFont = nullptr;
-  actions.resetStripScroll = nullptr;
+  auto strip = [&bar] { return dynamic_cast<PreviewStripWindow*>(Window::FromHandle(AsHwnd(bar.StripWindow()))); };
+  actions.setLabelFont = [strip](const LogFontA& font) {
+    if (PreviewStripWindow* window = strip()) window->SetLabelFont(font);
+  };
+  actions.resetStripScroll = [strip] {
+    if (PreviewStripWindow* window = strip()) window->ResetScroll();
+  };
   return actions;
 }
 
