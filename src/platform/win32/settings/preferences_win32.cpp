@@ -5,6 +5,7 @@
 
 #include <iterator>
 
+#include "bar/preview_capture.h"
 #include "host/module.h"
 #include "platform/win32/bar/bar_tips_win32.h"
 #include "platform/win32/bar/mv_tavlet_win32.h"
@@ -288,6 +289,9 @@ ui::BarWindowActions PreferencesWindowActions(bar::BarModel& bar) {
   };
   actions.resetStripScroll = [strip] {
     if (PreviewStripWindow* window = strip()) window->ResetScroll();
+  };
+  actions.updatePreview = [&bar, strip](bar::DocEntry& entry) {
+    if (PreviewStripWindow* window = strip()) bar::UpdatePreview(bar, window->Geometry(), &entry);
   };
   return actions;
 }
