@@ -10,6 +10,7 @@
 #include "menu_driver.h"
 #include "preferences_driver.h"
 #include "text/codepage.h"
+#include "text/words.h"
 #include "platform/win32/bar/preview_strip_win32.h"
 
 namespace tavlet::demo {
@@ -66,24 +67,6 @@ bool ParseInt(const std::string& text, long& value) {
   char* end = nullptr;
   value = std::strtol(text.c_str(), &end, 10);
   return end && *end == '\0';
-}
-
-std::vector<std::string> Tokens(const std::string& line) {
-  std::vector<std::string> tokens;
-  std::size_t i = 0;
-  while (i < line.size()) {
-    while (i < line.size() && (line[i] == ' ' || line[i] == '\t')) ++i;
-    if (i >= line.size()) break;
-    std::string token;
-    if (line[i] == '"') {
-      for (++i; i < line.size() && line[i] != '"'; ++i) token += line[i];
-      ++i;
-    } else {
-      for (; i < line.size() && line[i] != ' ' && line[i] != '\t'; ++i) token += line[i];
-    }
-    tokens.push_back(token);
-  }
-  return tokens;
 }
 
 std::string Where(const std::string& path, int line) { return path + ":" + std::to_string(line) + ": "; }
@@ -151,7 +134,7 @@ bool Script::Parse(const std::string& text, std::string& error) {
   while (std::getline(in, raw)) {
     ++number;
     if (!raw.empty() && raw.back() == '\r') raw.pop_back();
-    const std::vector<std::string> tokens = Tokens(raw);
+    const std::vector<std::string> tokens = text::SplitWords(raw);
     if (tokens.empty() || tokens[0][0] == '#') continue;
     ScriptStep step{number, tokens[0], {tokens.begin() + 1, tokens.end()}, ""};
     const auto verb = Verbs().find(step.verb);

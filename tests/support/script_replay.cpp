@@ -9,6 +9,7 @@
 #include "menus/context_menu.h"
 #include "sim/module_harness.h"
 #include "text/codepage.h"
+#include "text/words.h"
 
 namespace tavlet::testing {
 
@@ -46,24 +47,6 @@ class TranscribedSession final : public port::HostSession, private port::Message
 
   sim::SimHost& host_;
 };
-
-std::vector<std::string> Tokens(const std::string& line) {
-  std::vector<std::string> tokens;
-  std::size_t i = 0;
-  while (i < line.size()) {
-    while (i < line.size() && (line[i] == ' ' || line[i] == '\t')) ++i;
-    if (i >= line.size()) break;
-    std::string token;
-    if (line[i] == '"') {
-      for (++i; i < line.size() && line[i] != '"'; ++i) token += line[i];
-      ++i;
-    } else {
-      for (; i < line.size() && line[i] != ' ' && line[i] != '\t'; ++i) token += line[i];
-    }
-    tokens.push_back(token);
-  }
-  return tokens;
-}
 
 std::string ReadFile(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
@@ -167,7 +150,7 @@ bool ScriptReplay::Play(const std::string& scriptPath, std::string& error) {
   while (std::getline(lines, raw)) {
     ++number;
     if (!raw.empty() && raw.back() == '\r') raw.pop_back();
-    const std::vector<std::string> tokens = Tokens(raw);
+    const std::vector<std::string> tokens = text::SplitWords(raw);
     if (tokens.empty() || tokens[0][0] == '#') continue;
     const std::string& verb = tokens[0];
     const std::string where = std::to_string(number) + ": ";

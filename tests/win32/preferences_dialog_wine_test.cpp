@@ -17,37 +17,13 @@
 #include "demohost/script.h"
 #include "platform/win32/registry_backend_win32.h"
 #include "platform/win32/settings/preferences_win32.h"
+#include "preferences_target_stub.h"
 #include "settings/memory_registry.h"
 #include "settings/settings_table.h"
 #include "support/test_paths.h"
 
 namespace tavlet::win32 {
 namespace {
-
-class RecordingTarget final : public ui::PreferencesTarget {
- public:
-  BarSettings& Settings() override { return settings; }
-  void SetSortBy(int sortBy) override { settings.SortBy = sortBy; }
-  void SetAutoUpdatePreviews(int) override {}
-  void RegisterLoadControl(long) override {}
-  void ResetStripScroll() override {}
-  void SetTabFont(const LogFontA&) override {}
-  void SetLabelFont(const LogFontA&) override {}
-  void SetFloating(bool, bool) override {}
-  void SetTabMode(bool, bool) override {}
-  void SetDockSide(int, bool) override {}
-  bool Floating() override { return false; }
-  long DrawingCount() override { return 2; }
-  void RepositionDrawingArea() override {}
-  void RepositionCommandArea() override {}
-  void LayOutStrip() override {}
-  void RedrawStrip() override {}
-  void Resort() override {}
-  void RefreshAllPreviews() override {}
-  void ApplyTipSettings() override {}
-  void RecalcFrameLayout() override {}
-  BarSettings settings;
-};
 
 // The steps run one a tick inside the dialog's modal loop.
 struct Steps {
@@ -149,7 +125,7 @@ class PreferencesDialogWine : public ::testing::Test {
   HMODULE module_ = nullptr;
   MemoryRegistry registry;
   FixedDisplayDefaults display;
-  RecordingTarget target;
+  StubPreferencesTarget target;
   HWND dialog = nullptr;
 };
 
@@ -254,18 +230,29 @@ TEST_F(PreferencesDialogWine, CancelWritesNothingAndKeepsThePageShown) {
 
 // TLOPTIONS in the demo host's frame, the module loaded from its DLL: the
 // choices made in the dialog reach the running bar and the registry at OK.
-TEST(PreferencesOnFrame, OkChangesTheRunningBarAndTheRegistry) {
-  RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\Morvane");
-  std::string arx = std::string("Z:") + TAVLET_ARX_PATH;
-  for (char& c : arx)
-    if (c == '/') c = '\\';
-  auto demo = std::make_unique<demo::DemoHost>(arx, false);
-  ASSERT_TRUE(demo->CreateFrame(900, 700)) << "no display";
-  ASSERT_TRUE(demo->Open(testing::SamplesDir() + "\\plan.tdd"));
-  ASSERT_TRUE(demo->Open(testing::SamplesDir() + "\\section.tdd"));
+// The module loaded into the demo host's frame over two drawings.
+class PreferencesOnFrame : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\Morvane");
+    demo = std::make_unique<demo::DemoHost>(testing::WinePath(TAVLET_ARX_PATH), false);
+    ASSERT_TRUE(demo->CreateFrame(900, 700)) << "no display";
+    ASSERT_TRUE(demo->Open(testing::SamplesDir() + "\\plan.tdd"));
+    ASSERT_TRUE(demo->Open(testing::SamplesDir() + "\\section.tdd"));
+    std::string error;
+    ASSERT_TRUE(demo->LoadModule(error, true)) << error;
+    demo->Pump(100);
+  }
+  void TearDown() override {
+    demo.reset();
+    RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\Morvane");
+  }
+
+  std::unique_ptr<demo::DemoHost> demo;
+};
+
+TEST_F(PreferencesOnFrame, OkChangesTheRunningBarAndTheRegistry) {
   std::string error;
-  ASSERT_TRUE(demo->LoadModule(error, true)) << error;
-  demo->Pump(100);
 
   const std::string folder = testing::MakeTempFolder("preferences");
   demo::Script script;
@@ -292,24 +279,12 @@ TEST(PreferencesOnFrame, OkChangesTheRunningBarAndTheRegistry) {
   // LockSize is never written by the dialog.
   Win32Registry registry;
   EXPECT_EQ(SettingsStore(registry, DefaultSettingsRoot()).GetInt("", "LockSize", -1), -1);
-  demo.reset();
-  RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\Morvane");
 }
 
 // The label font chosen on the display page reaches the running strip at OK: its
 // labels grow with the font, read from the screen (the raised frame's light edge).
-TEST(PreferencesOnFrame, ANewLabelFontReachesTheRunningStrip) {
-  RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\Morvane");
-  std::string arx = std::string("Z:") + TAVLET_ARX_PATH;
-  for (char& c : arx)
-    if (c == '/') c = '\\';
-  auto demo = std::make_unique<demo::DemoHost>(arx, false);
-  ASSERT_TRUE(demo->CreateFrame(900, 700)) << "no display";
-  ASSERT_TRUE(demo->Open(testing::SamplesDir() + "\\plan.tdd"));
-  ASSERT_TRUE(demo->Open(testing::SamplesDir() + "\\section.tdd"));
+TEST_F(PreferencesOnFrame, ANewLabelFontReachesTheRunningStrip) {
   std::string error;
-  ASSERT_TRUE(demo->LoadModule(error, true)) << error;
-  demo->Pump(100);
   auto labelHeight = [&] {
     HWND strip = demo::FindPreviewStrip();
     RECT cell{};
@@ -336,8 +311,6 @@ TEST(PreferencesOnFrame, ANewLabelFontReachesTheRunningStrip) {
   ASSERT_TRUE(SettingsStore(registry, DefaultSettingsRoot()).RestoreFont("", "LabelFont", stored));
   EXPECT_LT(stored.lfHeight, -30);
   EXPECT_GT(labelHeight(), before + 8) << log.str();
-  demo.reset();
-  RegDeleteTreeA(HKEY_CURRENT_USER, "Software\\Morvane");
 }
 
 }  // namespace

@@ -19,37 +19,13 @@
 #include "menus/menu_ids.h"
 #include "platform/win32/registry_backend_win32.h"
 #include "platform/win32/settings/preferences_win32.h"
+#include "preferences_target_stub.h"
 #include "settings/extra_settings.h"
 #include "settings/memory_registry.h"
 #include "support/test_paths.h"
 
 namespace tavlet::win32 {
 namespace {
-
-class NullTarget final : public ui::PreferencesTarget {
- public:
-  BarSettings& Settings() override { return settings; }
-  void SetSortBy(int) override {}
-  void SetAutoUpdatePreviews(int) override {}
-  void RegisterLoadControl(long) override {}
-  void ResetStripScroll() override {}
-  void SetTabFont(const LogFontA&) override {}
-  void SetLabelFont(const LogFontA&) override {}
-  void SetFloating(bool, bool) override {}
-  void SetTabMode(bool, bool) override {}
-  void SetDockSide(int, bool) override {}
-  bool Floating() override { return false; }
-  long DrawingCount() override { return 2; }
-  void RepositionDrawingArea() override {}
-  void RepositionCommandArea() override {}
-  void LayOutStrip() override {}
-  void RedrawStrip() override {}
-  void Resort() override {}
-  void RefreshAllPreviews() override {}
-  void ApplyTipSettings() override {}
-  void RecalcFrameLayout() override {}
-  BarSettings settings;
-};
 
 // What the timer looks at and leaves for the test, inside the dialog's loop.
 struct Seen {
@@ -117,7 +93,7 @@ TEST(PreferencesExtrasWine, ThirdPageComesFromTheResourcesAndDrivesTheModel) {
   ASSERT_NE(module, nullptr) << TAVLET_ARX_PATH;
   MemoryRegistry registry;
   FixedDisplayDefaults display;
-  NullTarget target;
+  StubPreferencesTarget target;
   target.settings.LabelFont = target.settings.TabFont = display.DefaultGuiFont();
   ui::PreferencesDialog dialog(target.settings, 2, display);
   dialog.ShowExtras({.keepThumbnails = 1, .sessionRestore = 1});

@@ -1,6 +1,5 @@
 #include "platform/win32/bar/switcher_popup_win32.h"
 
-#include <cstring>
 #include <optional>
 #include <string>
 
@@ -47,30 +46,15 @@ std::string ShortName(const std::string& path) {
   return slash == std::string::npos ? path : path.substr(slash + 1);
 }
 
-// The entry's packed DIB stretched into `to` by GDI itself, which every
-// platform the module runs on draws; a block whose header does not match its
-// size draws nothing.
-void DrawPicture(HDC dc, const bar::DocEntry& entry, const host::WindowRect& to) {
-  const std::vector<unsigned char>& dib = entry.previewDib;
-  if (dib.size() < sizeof(BITMAPINFOHEADER)) return;
-  BITMAPINFOHEADER header{};
-  std::memcpy(&header, dib.data(), sizeof header);
-  if (header.biSize < sizeof header || header.biBitCount != 24 || header.biWidth <= 0 || header.biHeight == 0) return;
-  const std::size_t rows = static_cast<std::size_t>(header.biHeight < 0 ? -static_cast<long long>(header.biHeight)
-                                                                        : header.biHeight);
-  const std::size_t stride = ((static_cast<std::size_t>(header.biWidth) * 24 + 31) / 32) * 4;
-  if (header.biSize > dib.size() || stride * rows > dib.size() - header.biSize) return;
-  SetStretchBltMode(dc, HALFTONE);
-  SetBrushOrgEx(dc, 0, 0, nullptr);
-  StretchDIBits(dc, static_cast<int>(to.left), static_cast<int>(to.top), static_cast<int>(to.Width()),
-                static_cast<int>(to.Height()), 0, 0, header.biWidth, static_cast<int>(rows), dib.data() + header.biSize,
-                reinterpret_cast<const BITMAPINFO*>(dib.data()), DIB_RGB_COLORS, SRCCOPY);
-}
-
 class SwitcherWindowImpl final : public Window {
  public:
   SwitcherWindowImpl(bar::Switcher& switcher, bar::BarModel* bar, std::vector<Item> items, bar::SwitcherLayout layout)
-      : switcher_(switcher), bar_(bar), items_(std::move(items)), layout_(layout) {}
+      : switcher_(switcher), bar_(bar), items_(std::move(items)), layout_(layout), drawDib_(DrawDibOpen()) {}
+  ~SwitcherWindowImpl() override {
+    if (drawDib_) DrawDibClose(drawDib_);
+  }
+  SwitcherWindowImpl(const SwitcherWindowImpl&) = delete;
+  SwitcherWindowImpl& operator=(const SwitcherWindowImpl&) = delete;
 
   bool deactivated = false;
 
@@ -99,7 +83,7 @@ class SwitcherWindowImpl final : public Window {
 
  private:
   void Paint(HDC dc, const RECT& client) {
-    GdiCanvas canvas(dc, nullptr, nullptr);
+    GdiCanvas canvas(dc, nullptr, drawDib_);
     canvas.FillRect({0, 0, client.right, client.bottom}, GetSysColor(COLOR_BTNFACE));
     for (std::size_t i = 0; i < items_.size(); ++i) {
       const bool selected = static_cast<int>(i) == switcher_.Selected();
@@ -111,7 +95,8 @@ class SwitcherWindowImpl final : public Window {
       const bar::DocEntry* entry = bar_ ? bar_->Strip().FindEntry(items_[i].doc) : nullptr;
       if (entry && !entry->previewDib.empty()) {
         const host::WindowRect inner{box.left + 1, box.top + 1, box.right - 1, box.bottom - 1};
-        DrawPicture(dc, *entry, bar::FitPicture(entry->previewWidth, entry->previewHeight, inner));
+        canvas.DrawDib(entry->previewDib, entry->previewWidth, entry->previewHeight,
+                       bar::FitPicture(entry->previewWidth, entry->previewHeight, inner));
       }
       RECT label = ToRect({cell.left + 4, box.bottom + 2, cell.right - 4, cell.bottom - 2});
       SetBkMode(dc, TRANSPARENT);
@@ -125,6 +110,7 @@ class SwitcherWindowImpl final : public Window {
   bar::BarModel* bar_;
   std::vector<Item> items_;
   bar::SwitcherLayout layout_;
+  HDRAWDIB drawDib_ = nullptr;
 };
 
 std::optional<bar::SwitcherKey> KeyOf(const MSG& msg, bool byCtrlTab) {
